@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs every test: unit and window tests under ASan and
+# UBSan, the vklcheck tests, the fuzz run of the reader, and the benchmarks with their ratios.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+bash scripts/deps.sh
+
+echo "== tests (Debug, ASan + UBSan)"
+bash scripts/build.sh build/sanitize -DCMAKE_BUILD_TYPE=Debug -DVKL_SANITIZE=ON -DVKL_BENCH=OFF
+(cd build/sanitize && ctest --output-on-failure -j "$(nproc)" --timeout 600)
+
+echo "== fuzz run of the reader (clang, libFuzzer)"
+if [[ -f tests/fuzz/CMakeLists.txt ]]; then
+    CC=clang CXX=clang++ bash scripts/build.sh build/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DVKL_FUZZ=ON -DVKL_GUI=OFF -DVKL_BENCH=OFF -DVKL_WERROR=ON
+    (cd build/fuzz && ctest --output-on-failure -L fuzz --timeout 600)
+else
+    echo "no fuzz target yet"
+fi
+
+echo "== benchmarks (Release)"
+bash scripts/build.sh build/release -DCMAKE_BUILD_TYPE=Release -DVKL_TESTS=OFF
+if [[ -x build/release/bench/vkl_bench ]]; then
+    QT_QPA_PLATFORM=offscreen build/release/bench/vkl_bench --benchmark_format=json \
+        --benchmark_out=build/release/bench.json --benchmark_out_format=json >/dev/null
+    python3 scripts/bench_ratios.py build/release/bench.json
+else
+    echo "no benchmarks yet"
+fi
+echo "== all tests passed"

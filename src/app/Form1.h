@@ -1,0 +1,157 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "app/Controls.h"
+#include "platform/Colors.h"
+#include "platform/Grid.h"
+#include "platform/Host.h"
+#include "platform/MenuState.h"
+#include "platform/TreeNodes.h"
+#include "platform/TreeViewPort.h"
+
+namespace vkl {
+
+// The main window's state and handlers, without a toolkit. Every user action of the window is
+// one handler here; the Qt window only forwards events and shows this state. Run-time errors
+// leave the handlers as RuntimeError.
+class Form1 {
+public:
+    Form1(Host& host, std::string installDir, int16_t languageCode);
+
+    // ---- Start-up and texts --------------------------------------------------------------
+    void load();
+    void refreshTexts();
+    void setLanguage(int16_t code);
+    void toolbarClick(const std::string& key);
+    void quitClick();
+
+    // Bitmap size fields (Combo2 and Combo3 behave alike).
+    void sizeFieldKeyPress(int& keyAscii);
+    void sizeFieldLeave(ComboBox& field);
+
+    // ---- Files ---------------------------------------------------------------------------
+    void openFlow();
+    void saveFlow();
+    void askDatadirClick();
+    void askImagedirClick();
+    void readMenuFile(const std::string& path);
+    void writeMenuFile(const std::string& path);
+    // Derives a flat tree from the table when the tree is empty.
+    void deriveFlatTree();
+
+    // ---- Table ---------------------------------------------------------------------------
+    void addEmptyLine();
+    void deleteMarkedLines();
+    // Removes the table row of an item node and renumbers (tree removal commands).
+    void removeLineOfNode(const std::string& nodeKey);
+
+    void tableKeyPress(int& keyAscii);   // start edit
+    void text1KeyPress(int& keyAscii);   // editor key filter
+    void text1Change(const std::string& text);  // title to tree
+    void text1Click();                   // select all
+    void commitText();                   // the grid takes over again after an edit
+    void combo1Click(const std::string& text);  // commit drop-down (also on losing focus)
+    void tableMouseDown(int button);     // repeat code; clear selection
+    void tableClick();                   // toggle mark; package path check
+    void tableDblClick();                // pick for cell
+    void tableDragDrop(const std::string& sourceName, int targetRow);
+
+    // ---- Tree ----------------------------------------------------------------------------
+    void treeviewNodeClick(const std::string& key);
+    void treeviewMouseDown(int button, int shift, double x, double y);
+    void treeviewAfterLabelEdit(const std::string& newText);
+    void treeviewStartDrag();
+    // Returns the effect (2 move, 0 no drop).
+    int treeviewDragOver(double x, double y);
+    void treeviewDragDrop(const std::string& draggedKey, double x, double y);
+    void timer1Tick();
+    void formDragOver(const std::string& sourceName);
+    // Pop-up menu entries by name: addsub, addabove1, addabove2, addbelow2, remove1, remove2,
+    // removechilden, addimage.
+    void menuClick(const std::string& entry);
+    void expandClick();
+    void colapseClick();
+    void onlymenusClick();
+    void showRowBitmap(int row);
+
+    // ---- State (read by the window and the tests) ------------------------------------------
+    Host& host;
+    TreeViewPort* treePort = nullptr;  // set by whoever shows the tree
+
+    std::string installDir;
+    int16_t languageCode;
+    int16_t appendStartRow = 999;
+    bool loadFlag = false;
+    std::string imageDirBase;
+    Color normalColor = kNormalColor;
+    Color markingColor = kMarkingColor;
+    Color highlightColor = kHighlightColor;
+    Color defaultCellColor = 0;
+
+    Grid Table;
+    TreeNodes Treeview;
+    NodeRef treeSelected;        // the tree's selected node
+    NodeRef treeDropHighlight;   // the tree's drop-highlighted node
+    bool treeImageListAttached = false;
+
+    TextBox Text1, Text2, Text3, Datadir, Imagedir;
+    ComboBox Combo1, Combo2, Combo3;
+    std::string decfilename;
+    Captions captions;
+    std::vector<ToolbarButton> toolbar;
+    int toolbarButtonSize = 0;  // twips
+    Timer Timer1;
+    PreviewState preview;
+    bool menuGroupsVisible = true;   // the three menu-bar groups holding the pop-ups
+    bool useLanguagePicturesVisible = true;  // UseEng, UseGerman
+    bool picturesVisible = true;     // Picture1, Picture2, Picture4
+    std::string dialogDefaultExt;
+    std::string dialogFilter;
+
+    // Layout as designed (twips and letter counts); the window converts.
+    static constexpr int kTableLeft = 120;
+    static constexpr int kTableTop = 1920;
+    static constexpr int kTableHeight = 5260;
+    static constexpr int kTableMargin = 100;
+    static constexpr int kColumnLetters[Grid::kCols] = {5, 23, 53, 9, 46, 0, 0};
+    static constexpr int kCombo1Letters = 13;
+
+    TreeState tree;
+    Shortcuts shortcuts;
+    int16_t addedLines = 0;
+
+    // In-place editing.
+    int16_t editCol = 0;
+    int16_t editRow = 0;
+    int16_t typedCount = 0;
+    std::string lastCode;
+
+    // Tree events.
+    std::string currentNodeKey;
+    int16_t currentSubmenuSerial = 0;
+    NodeRef pressedNode;
+    NodeRef popupNode;
+    NodeRef selectedNode;
+    bool dragging = false;
+    double lastDragX = 0;
+    double lastDragY = 0;
+    int16_t scrollDirection = 0;
+    int16_t selectedRow = -1;
+
+    int16_t holeType = 0;
+
+    // Writer.
+    std::vector<int16_t> skippedRows;
+    int16_t skippedCount = 0;
+    bool saved = false;
+
+    // Message boxes: English when the code is exactly 1, German otherwise.
+    bool messagesInEnglish() const { return languageCode == 1; }
+    // Captions: German when the code is exactly 2, English otherwise.
+    bool captionsInGerman() const { return languageCode == 2; }
+};
+
+}  // namespace vkl

@@ -1,0 +1,242 @@
+#include "platform/Text.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+
+#include "platform/RuntimeError.h"
+
+namespace vkl::text {
+
+std::string trim(std::string_view s) { return rtrim(ltrim(s)); }
+
+std::string ltrim(std::string_view s) {
+    size_t b = 0;
+    while (b < s.size() && s[b] == ' ') {
+        ++b;
+    }
+    return std::string(s.substr(b));
+}
+
+std::string rtrim(std::string_view s) {
+    size_t e = s.size();
+    while (e > 0 && s[e - 1] == ' ') {
+        --e;
+    }
+    return std::string(s.substr(0, e));
+}
+
+char upperChar(char ch) {
+    const auto c = static_cast<unsigned char>(ch);
+    if (c >= 'a' && c <= 'z') {
+        return static_cast<char>(c - 32);
+    }
+    // Windows-1252: à..þ map to À..Þ except ÷ (0xF7); š œ ž ÿ have their capitals elsewhere.
+    if (c >= 0xE0 && c <= 0xFE && c != 0xF7) {
+        return static_cast<char>(c - 32);
+    }
+    switch (c) {
+        case 0x9A: return static_cast<char>(0x8A);
+        case 0x9C: return static_cast<char>(0x8C);
+        case 0x9E: return static_cast<char>(0x8E);
+        case 0xFF: return static_cast<char>(0x9F);
+        default: return ch;
+    }
+}
+
+char lowerChar(char ch) {
+    const auto c = static_cast<unsigned char>(ch);
+    if (c >= 'A' && c <= 'Z') {
+        return static_cast<char>(c + 32);
+    }
+    if (c >= 0xC0 && c <= 0xDE && c != 0xD7) {
+        return static_cast<char>(c + 32);
+    }
+    switch (c) {
+        case 0x8A: return static_cast<char>(0x9A);
+        case 0x8C: return static_cast<char>(0x9C);
+        case 0x8E: return static_cast<char>(0x9E);
+        case 0x9F: return static_cast<char>(0xFF);
+        default: return ch;
+    }
+}
+
+std::string upper(std::string_view s) {
+    std::string r(s);
+    for (char& c : r) {
+        c = upperChar(c);
+    }
+    return r;
+}
+
+std::string lower(std::string_view s) {
+    std::string r(s);
+    for (char& c : r) {
+        c = lowerChar(c);
+    }
+    return r;
+}
+
+bool iequals(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < a.size(); ++i) {
+        if (lowerChar(a[i]) != lowerChar(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+size_t ifind(std::string_view hay, std::string_view needle, size_t from) {
+    if (needle.empty() || needle.size() > hay.size()) {
+        return std::string_view::npos;
+    }
+    for (size_t i = from; i + needle.size() <= hay.size(); ++i) {
+        if (iequals(hay.substr(i, needle.size()), needle)) {
+            return i;
+        }
+    }
+    return std::string_view::npos;
+}
+
+namespace {
+template <typename Find>
+std::string replaceWith(std::string_view s, std::string_view what, std::string_view with, Find find) {
+    if (what.empty()) {
+        return std::string(s);
+    }
+    std::string out;
+    out.reserve(s.size());
+    size_t pos = 0;
+    for (;;) {
+        const size_t hit = find(s, what, pos);
+        if (hit == std::string_view::npos) {
+            break;
+        }
+        out.append(s.substr(pos, hit - pos));
+        out.append(with);
+        pos = hit + what.size();
+    }
+    out.append(s.substr(pos));
+    return out;
+}
+}  // namespace
+
+std::string ireplace(std::string_view s, std::string_view what, std::string_view with) {
+    return replaceWith(s, what, with, [](std::string_view h, std::string_view n, size_t p) {
+        return ifind(h, n, p);
+    });
+}
+
+std::string replaceAll(std::string_view s, std::string_view what, std::string_view with) {
+    return replaceWith(s, what, with,
+                       [](std::string_view h, std::string_view n, size_t p) { return h.find(n, p); });
+}
+
+bool startsWith(std::string_view s, std::string_view prefix) {
+    return s.substr(0, prefix.size()) == prefix;
+}
+
+std::vector<std::string> split(std::string_view s, char sep) {
+    std::vector<std::string> parts;
+    size_t start = 0;
+    for (;;) {
+        const size_t hit = s.find(sep, start);
+        if (hit == std::string_view::npos) {
+            parts.emplace_back(s.substr(start));
+            return parts;
+        }
+        parts.emplace_back(s.substr(start, hit - start));
+        start = hit + 1;
+    }
+}
+
+std::string join(const std::vector<std::string>& parts, std::string_view sep) {
+    std::string out;
+    for (size_t i = 0; i < parts.size(); ++i) {
+        if (i > 0) {
+            out.append(sep);
+        }
+        out.append(parts[i]);
+    }
+    return out;
+}
+
+namespace {
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Reads sign, digits, fraction and exponent starting at i; returns the end of the number or
+// npos when no digit was found.
+size_t scanNumber(std::string_view s, size_t i, bool allowExponent) {
+    if (i < s.size() && (s[i] == '+' || s[i] == '-')) {
+        ++i;
+    }
+    bool digits = false;
+    while (i < s.size() && isDigit(s[i])) {
+        ++i;
+        digits = true;
+    }
+    if (i < s.size() && s[i] == '.') {
+        ++i;
+        while (i < s.size() && isDigit(s[i])) {
+            ++i;
+            digits = true;
+        }
+    }
+    if (!digits) {
+        return std::string_view::npos;
+    }
+    if (allowExponent && i < s.size() && (s[i] == 'e' || s[i] == 'E')) {
+        size_t j = i + 1;
+        if (j < s.size() && (s[j] == '+' || s[j] == '-')) {
+            ++j;
+        }
+        if (j < s.size() && isDigit(s[j])) {
+            while (j < s.size() && isDigit(s[j])) {
+                ++j;
+            }
+            i = j;
+        }
+    }
+    return i;
+}
+}  // namespace
+
+double val(std::string_view s) {
+    size_t i = 0;
+    while (i < s.size() && (s[i] == ' ' || s[i] == '\t')) {
+        ++i;
+    }
+    const size_t end = scanNumber(s, i, true);
+    if (end == std::string_view::npos) {
+        return 0.0;
+    }
+    return std::strtod(std::string(s.substr(i, end - i)).c_str(), nullptr);
+}
+
+int16_t toInt16(std::string_view s) {
+    const std::string t = trim(s);
+    const size_t end = scanNumber(t, 0, true);
+    if (t.empty() || end != t.size()) {
+        throw RuntimeError::typeMismatch();
+    }
+    const double v = std::nearbyint(std::strtod(t.c_str(), nullptr));  // half to even
+    if (!(v >= -32768.0 && v <= 32767.0)) {
+        throw RuntimeError::overflow();
+    }
+    return static_cast<int16_t>(v);
+}
+
+long keyNumber(std::string_view key, char letter) {
+    const size_t at = key.find(letter);
+    if (at == std::string_view::npos) {
+        return 0;
+    }
+    return static_cast<long>(val(lower(key.substr(at + 1))));
+}
+
+std::string str(long long n) { return std::to_string(n); }
+
+}  // namespace vkl::text

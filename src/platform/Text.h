@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Text helpers with the semantics the editor relies on. All text is Windows-1252 bytes.
+namespace vkl::text {
+
+// Removes blanks (the space character only, not tabs) at both ends.
+std::string trim(std::string_view s);
+std::string ltrim(std::string_view s);
+std::string rtrim(std::string_view s);
+
+// Case mapping of the Windows-1252 code page: umlauts and the other accented letters change too.
+char upperChar(char c);
+char lowerChar(char c);
+std::string upper(std::string_view s);
+std::string lower(std::string_view s);
+
+bool iequals(std::string_view a, std::string_view b);
+// Position of the first occurrence of needle, ignoring case; npos when absent or needle is empty.
+size_t ifind(std::string_view hay, std::string_view needle, size_t from = 0);
+// Replaces every occurrence of what (ignoring case) by with, scanning left to right.
+std::string ireplace(std::string_view s, std::string_view what, std::string_view with);
+// Replaces every occurrence of what (exact case) by with.
+std::string replaceAll(std::string_view s, std::string_view what, std::string_view with);
+
+bool startsWith(std::string_view s, std::string_view prefix);
+
+// Splits at every occurrence of sep, keeping empty fields ("a||b" gives three fields).
+std::vector<std::string> split(std::string_view s, char sep);
+std::string join(const std::vector<std::string>& parts, std::string_view sep);
+
+// The runtime's leading-numeric conversion: leading blanks skipped, an optional sign, digits
+// and an optional fraction; anything that does not start a number gives 0.
+double val(std::string_view s);
+
+// Conversion of text to a 16-bit integer: surrounding blanks allowed, a number with an optional
+// sign, fraction and exponent, rounded half to even. Text that is no number raises error 13
+// (type mismatch); a number outside the 16-bit range raises error 6 (overflow).
+int16_t toInt16(std::string_view s);
+
+// The number of a node key: the text after the first occurrence of letter ("d" for "Child",
+// "u" for "Menu"), read with the leading-numeric conversion (0 when the letter is absent).
+long keyNumber(std::string_view key, char letter);
+
+// Decimal text of a number, without blanks.
+std::string str(long long n);
+
+}  // namespace vkl::text
