@@ -240,3 +240,92 @@ long keyNumber(std::string_view key, char letter) {
 std::string str(long long n) { return std::to_string(n); }
 
 }  // namespace vkl::text
+
+namespace vkl::text {
+
+namespace {
+// Unicode of the bytes 0x80..0x9F; 0 marks the five the code page leaves undefined.
+constexpr char32_t kHigh[32] = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+char32_t decode1252(unsigned char c) {
+    if (c >= 0x80 && c <= 0x9F && kHigh[c - 0x80] != 0) {
+        return kHigh[c - 0x80];
+    }
+    return c;
+}
+
+void appendUtf8(std::string& out, char32_t u) {
+    if (u < 0x80) {
+        out.push_back(static_cast<char>(u));
+    } else if (u < 0x800) {
+        out.push_back(static_cast<char>(0xC0 | (u >> 6)));
+        out.push_back(static_cast<char>(0x80 | (u & 0x3F)));
+    } else {
+        out.push_back(static_cast<char>(0xE0 | (u >> 12)));
+        out.push_back(static_cast<char>(0x80 | ((u >> 6) & 0x3F)));
+        out.push_back(static_cast<char>(0x80 | (u & 0x3F)));
+    }
+}
+}  // namespace
+
+std::string cp1252ToUtf8(std::string_view s) {
+    std::string out;
+    out.reserve(s.size() + s.size() / 4);
+    for (char c : s) {
+        appendUtf8(out, decode1252(static_cast<unsigned char>(c)));
+    }
+    return out;
+}
+
+std::string utf8ToCp1252(std::string_view s) {
+    std::string out;
+    out.reserve(s.size());
+    size_t i = 0;
+    while (i < s.size()) {
+        const auto c = static_cast<unsigned char>(s[i]);
+        char32_t u = 0;
+        size_t len = 1;
+        if (c < 0x80) {
+            u = c;
+        } else if ((c & 0xE0) == 0xC0) {
+            len = 2;
+        } else if ((c & 0xF0) == 0xE0) {
+            len = 3;
+        } else if ((c & 0xF8) == 0xF0) {
+            len = 4;
+        } else {
+            out.push_back('?');
+            ++i;
+            continue;
+        }
+        if (len > 1) {
+            if (i + len > s.size()) {
+                out.push_back('?');
+                break;
+            }
+            u = c & (0xFF >> (len + 1));
+            for (size_t k = 1; k < len; ++k) {
+                u = (u << 6) | (static_cast<unsigned char>(s[i + k]) & 0x3F);
+            }
+        }
+        i += len;
+        if (u < 0x80 || (u >= 0xA0 && u <= 0xFF)) {
+            out.push_back(static_cast<char>(u));
+            continue;
+        }
+        char mapped = '?';
+        for (int b = 0; b < 32; ++b) {
+            if (kHigh[b] == u || (kHigh[b] == 0 && u == static_cast<char32_t>(0x80 + b))) {
+                mapped = static_cast<char>(0x80 + b);
+                break;
+            }
+        }
+        out.push_back(mapped);
+    }
+    return out;
+}
+
+}  // namespace vkl::text

@@ -49,4 +49,10 @@ long keyNumber(std::string_view key, char letter);
 // Decimal text of a number, without blanks.
 std::string str(long long n);
 
+// Windows-1252 bytes to UTF-8 and back, for the window and for JSON. Bytes the code page leaves
+// undefined (0x81, 0x8D, 0x8F, 0x90, 0x9D) map to the C1 controls of the same value; characters
+// outside the code page become "?".
+std::string cp1252ToUtf8(std::string_view s);
+std::string utf8ToCp1252(std::string_view s);
+
 }  // namespace vkl::text

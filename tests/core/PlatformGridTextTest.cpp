@@ -101,3 +101,19 @@ TEST(Text, NumbersConvertLikeTheRuntime) {
 
 }  // namespace
 }  // namespace vkl
+
+namespace vkl {
+namespace {
+
+TEST(Text, Windows1252RoundTripsThroughUtf8) {
+    std::string all;
+    for (int b = 1; b < 256; ++b) {
+        all.push_back(static_cast<char>(b));
+    }
+    EXPECT_EQ(text::utf8ToCp1252(text::cp1252ToUtf8(all)), all);
+    EXPECT_EQ(text::cp1252ToUtf8("\x80\xE4"), "\xE2\x82\xAC\xC3\xA4");  // euro sign, a umlaut
+    EXPECT_EQ(text::utf8ToCp1252("\xE4\xB8\xAD"), "?");  // outside the code page
+}
+
+}  // namespace
+}  // namespace vkl
