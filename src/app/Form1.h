@@ -19,7 +19,8 @@ namespace vkl {
 // leave the handlers as RuntimeError.
 class Form1 {
 public:
-    Form1(Host& host, std::string installDir, int16_t languageCode);
+    // programDir is the program's own folder, "" when the caller does not know it.
+    Form1(Host& host, std::string installDir, int16_t languageCode, std::string programDir = {});
 
     // ---- Start-up and texts --------------------------------------------------------------
     void load();
@@ -82,6 +83,7 @@ public:
     TreeViewPort* treePort = nullptr;  // set by whoever shows the tree
 
     std::string installDir;
+    std::string programDir;
     int16_t languageCode;
     int16_t appendStartRow = 999;
     bool loadFlag = false;
