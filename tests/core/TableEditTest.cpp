@@ -1,0 +1,164 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app/Form1.h"
+#include "support/ScriptedHost.h"
+
+namespace vkl {
+namespace {
+
+// A window with three lines and their nodes; the editors start hidden as after load.
+struct Editing {
+    Editing() {
+        form.Text1.visible = false;
+        form.Combo1.visible = false;
+        form.Table.setRows(4);
+        form.Treeview.add(NodeRef{}, TreeNodes::kLast, "Menu0", "Top Menu", "root");
+        for (int r = 1; r <= 3; ++r) {
+            form.Table.setTextMatrix(r, 1, std::string("T") + std::to_string(r));
+            form.Table.setTextMatrix(r, 4, std::string("param ") + std::to_string(r));
+            form.Treeview.add("Menu0", TreeNodes::kChild, std::string("Child") + std::to_string(r),
+                              "T");
+        }
+    }
+    // A key typed on the grid at (row, col).
+    int start(int row, int col, int key) {
+        form.Table.setRow(row);
+        form.Table.setCol(col);
+        form.tableKeyPress(key);
+        return key;
+    }
+    // Keys typed into the text box; the box inserts what the filter lets through at the caret.
+    void type(const std::string& keys) {
+        for (char ch : keys) {
+            int key = static_cast<unsigned char>(ch);
+            form.text1KeyPress(key);
+            if (key >= 32 && form.Text1.visible) {
+                std::string t = form.Text1.text;
+                const size_t at = std::min(t.size(), static_cast<size_t>(form.Text1.selStart));
+                t.insert(at, 1, static_cast<char>(key));
+                form.Text1.selStart = static_cast<int>(at) + 1;
+                form.text1Change(t);
+            }
+        }
+    }
+    std::string node(int r) const {
+        return form.Treeview.text(form.Treeview.byKey(std::string("Child") + std::to_string(r)));
+    }
+    test::ScriptedHost host;
+    Form1 form{host, "C:\\inst", 1};
+};
+
+TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
+    Editing e;
+    EXPECT_EQ(e.start(2, 1, 'a'), 'A');
+    EXPECT_TRUE(e.form.Text1.visible);
+    EXPECT_TRUE(e.form.Text1.hasFocus);
+    EXPECT_EQ(e.form.Text1.text, "A");
+    EXPECT_EQ(e.form.Text1.selStart, 1);
+    EXPECT_EQ(e.form.editRow, 2);
+    EXPECT_EQ(e.form.editCol, 1);
+    EXPECT_EQ(e.node(2), "A");  // the title reaches the node as it is typed
+
+    e.form.commitText();
+    e.start(3, 4, ' ');
+    EXPECT_EQ(e.form.Text1.text, "param 3");
+    EXPECT_EQ(e.form.Text1.selStart, 7);  // caret at the end
+    EXPECT_EQ(e.node(3), "T");            // other columns leave the node alone
+
+    // The action column opens the drop-down; the text box stays as it was, the cell too.
+    e.form.typedCount = 3;
+    e.start(1, 3, 'x');
+    EXPECT_TRUE(e.form.Combo1.visible);
+    EXPECT_TRUE(e.form.Text1.visible);
+    EXPECT_EQ(e.form.Text1.text, "param 3");
+    EXPECT_EQ(e.form.Table.textMatrix(1, 3), "");
+    EXPECT_EQ(e.form.typedCount, 0);
+    e.start(1, 2, '5');  // a text edit hides the drop-down
+    EXPECT_FALSE(e.form.Combo1.visible);
+    EXPECT_EQ(e.form.Text1.text, "5");
+}
+
+TEST(TableEdit, EnterCommitsAndMovesRight) {
+    Editing e;
+    e.start(1, 1, 'a');
+    e.type("bc\r");
+    EXPECT_FALSE(e.form.Text1.visible);
+    EXPECT_FALSE(e.form.Text1.hasFocus);
+    EXPECT_EQ(e.form.Table.textMatrix(1, 1), "Abc");
+    EXPECT_EQ(e.node(1), "Abc");
+    EXPECT_EQ(e.form.Table.col(), 2);
+
+    e.start(2, 6, 'q');  // the last column: the grid refuses to move further
+    e.type("\r");
+    EXPECT_EQ(e.form.Table.col(), 6);
+    EXPECT_EQ(e.form.Table.row(), 2);
+    EXPECT_EQ(e.form.Table.textMatrix(2, 6), "Q");
+    EXPECT_FALSE(e.form.Text1.visible);
+
+    e.form.Text1.text = "stray";
+    e.form.commitText();  // nothing to commit while the box is hidden
+    EXPECT_EQ(e.form.Table.textMatrix(2, 6), "Q");
+}
+
+TEST(TableEdit, BitmapColumnTakesFourUpperCaseKeys) {
+    Editing e;
+    e.start(2, 2, 'x');
+    e.type("abcd");
+    EXPECT_EQ(e.form.Text1.text, "XABCD");
+    EXPECT_TRUE(e.form.Text1.visible);
+    int fifth = 'e';
+    e.form.text1KeyPress(fifth);
+    EXPECT_EQ(fifth, 0);
+    EXPECT_EQ(e.form.Table.col(), 3);
+    EXPECT_EQ(e.form.Table.textMatrix(2, 2), "XABCD");
+    EXPECT_EQ(e.node(2), "XABCD");  // Enter on the bitmap column labels the node
+
+    e.start(1, 2, 'y');  // Backspace gives a key back
+    e.type("ab\bcde");
+    EXPECT_TRUE(e.form.Text1.visible);
+    EXPECT_EQ(e.form.typedCount, 4);
+    e.type("f");
+    EXPECT_EQ(e.form.Table.col(), 3);
+
+    // Enter as the fifth key runs the Enter steps twice: once as Enter, once for the limit.
+    e.start(3, 2, 'z');
+    e.type("1234\r");
+    EXPECT_EQ(e.form.Table.col(), 4);
+    EXPECT_EQ(e.form.Table.textMatrix(3, 2), "Z1234");
+}
+
+TEST(TableEdit, DropDownWritesCodesAndRepeatsTheLastOne) {
+    Editing e;
+    e.form.Table.setRow(2);
+    e.form.Table.setCol(3);
+    e.form.tableMouseDown(1);  // nothing chosen yet: the click changes nothing
+    EXPECT_EQ(e.form.Table.textMatrix(2, 3), "");
+
+    const std::pair<const char*, const char*> choices[] = {
+        {"PKG", "LOS"}, {"WM", "LWM"}, {"MM", "LMM"}, {"Dialog", "D"}};
+    for (const auto& [label, code] : choices) {
+        e.start(1, 3, 'p');
+        e.form.Table.setRow(3);  // the code goes to the cell where the edit started
+        e.form.combo1Click(label);
+        EXPECT_EQ(e.form.Table.textMatrix(1, 3), code);
+        EXPECT_EQ(e.form.lastCode, code);
+        EXPECT_FALSE(e.form.Combo1.visible);
+    }
+    e.start(1, 3, 'p');
+    e.form.combo1Click("pkg");  // labels match exactly
+    EXPECT_EQ(e.form.Table.textMatrix(1, 3), "D");
+    EXPECT_EQ(e.form.lastCode, "D");
+    EXPECT_FALSE(e.form.Combo1.visible);
+
+    e.form.Table.setRow(2);
+    e.form.tableMouseDown(2);  // the last code chosen stamps another line
+    EXPECT_EQ(e.form.Table.textMatrix(2, 3), "D");
+    e.form.Table.setCol(1);
+    e.form.tableMouseDown(1);
+    EXPECT_EQ(e.form.Table.textMatrix(2, 1), "T2");
+}
+
+}  // namespace
+}  // namespace vkl

@@ -1,0 +1,279 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "app/Form1.h"
+#include "platform/RuntimeError.h"
+#include "support/ScriptedHost.h"
+#include "table/RowOps.h"
+
+namespace vkl {
+namespace {
+
+std::string item(long r) {
+    return std::string("Child") + std::to_string(r);
+}
+
+// A window with `rows` lines titled T1.., each with its item node under the root.
+struct Lines {
+    explicit Lines(int rows, bool withTree = true) {
+        form.Table.setRows(rows + 1);
+        if (withTree) {
+            form.Treeview.add(NodeRef{}, TreeNodes::kLast, "Menu0", "Top Menu", "root");
+        }
+        for (int r = 1; r <= rows; ++r) {
+            form.Table.setTextMatrix(r, 0, std::to_string(r));
+            form.Table.setTextMatrix(r, 1, std::string("T") + std::to_string(r));
+            if (withTree) {
+                form.Treeview.add("Menu0", TreeNodes::kChild, item(r),
+                                  std::string("T") + std::to_string(r));
+            }
+        }
+    }
+    void clickNumber(int r) {
+        form.Table.setRow(r);
+        form.Table.setCol(0);
+        form.tableClick();
+    }
+    std::string nodeText(int r) const {
+        const NodeRef n = form.Treeview.find(item(r));
+        return n.isNull() ? "<none>" : form.Treeview.text(n);
+    }
+    test::ScriptedHost host;
+    Form1 form{host, "C:\\inst", 1};
+};
+
+TEST(TableRowOps, DeletingMarkedLinesRemovesRowsAndNodesAndRenumbers) {
+    Lines w(5);
+    w.form.Table.setTextMatrix(3, 0, "99");  // a stale number is rewritten by every delete
+    w.form.deleteMarkedLines();              // nothing marked: only the numbers change
+    EXPECT_EQ(w.form.Table.rows(), 6);
+    EXPECT_EQ(w.form.Table.textMatrix(3, 0), "3");
+    EXPECT_EQ(w.form.Treeview.count(), 6);
+
+    w.clickNumber(2);
+    w.clickNumber(4);
+    EXPECT_EQ(w.form.Treeview.image(w.form.Treeview.find(item(4))), "arrow2");
+    w.form.toolbarClick("linedel");
+    ASSERT_EQ(w.form.Table.rows(), 4);
+    for (int r = 1; r <= 3; ++r) {
+        EXPECT_EQ(w.form.Table.textMatrix(r, 0), std::to_string(r));
+        EXPECT_EQ(w.nodeText(r), w.form.Table.textMatrix(r, 1)) << "row " << r;
+    }
+    EXPECT_EQ(w.form.Table.textMatrix(3, 1), "T5");  // the node of row 5 is keyed Child3 now
+    EXPECT_EQ(w.nodeText(4), "<none>");
+    EXPECT_EQ(w.form.Treeview.count(), 4);
+}
+
+TEST(TableRowOps, DeletingEveryLineKeepsOneEmptyUnmarkedRow) {
+    Lines w(3);
+    w.form.Treeview.add(item(1), TreeNodes::kChild, "Menu1", "inner", "folderclosed");
+    w.form.Table.setTextMatrix(1, 4, "param");
+    for (int r = 1; r <= 3; ++r) {
+        w.clickNumber(r);
+    }
+    w.form.deleteMarkedLines();
+    ASSERT_EQ(w.form.Table.rows(), 2);
+    EXPECT_EQ(w.form.Table.textMatrix(1, 0), "1");
+    for (int c = 1; c < Grid::kCols; ++c) {
+        EXPECT_EQ(w.form.Table.textMatrix(1, c), "") << "column " << c;
+        EXPECT_EQ(w.form.Table.backColorAt(1, c), w.form.defaultCellColor);
+    }
+    EXPECT_EQ(w.form.Table.backColorAt(1, 0), w.form.normalColor);
+    EXPECT_EQ(w.form.Treeview.count(), 1);  // only the root; the node's subtree went with it
+
+    // The same rule when the tree removes the line of the only row left.
+    Lines one(1);
+    one.form.removeLineOfNode(item(1));
+    EXPECT_EQ(one.form.Table.rows(), 2);
+    EXPECT_EQ(one.form.Table.textMatrix(1, 1), "");
+}
+
+// The delete as the editor describes it: bottom up, one row at a time.
+void rowByRowDelete(Grid& g, TreeNodes& t) {
+    for (int r = g.rows() - 1; r >= 1; --r) {
+        if (g.backColorAt(r, 1) != kMarkingColor) {
+            continue;
+        }
+        const NodeRef n = t.find(item(r));
+        if (g.rows() == 2) {  // the row the grid keeps
+            for (int c = 1; c < Grid::kCols; ++c) {
+                g.setTextMatrix(r, c, "");
+                g.setBackColorAt(r, c, 0);
+            }
+            g.setBackColorAt(r, 0, kNormalColor);
+            if (!n.isNull()) {
+                t.remove(n);
+            }
+            continue;
+        }
+        g.removeItem(r);
+        if (!n.isNull()) {
+            t.remove(n);
+        }
+        std::vector<std::pair<long, NodeRef>> later;
+        for (int i = 1; i <= t.count(); ++i) {
+            const NodeRef m = t.byIndex(i);
+            if (t.key(m).rfind("Child", 0) == 0 && std::stol(t.key(m).substr(5)) > r) {
+                later.emplace_back(std::stol(t.key(m).substr(5)), m);
+            }
+        }
+        std::sort(later.begin(), later.end(), [](auto& a, auto& b) { return a.first < b.first; });
+        for (auto& [k, m] : later) {
+            t.setKey(m, item(k - 1));
+        }
+    }
+    for (int r = 1; r < g.rows(); ++r) {
+        g.setTextMatrix(r, 0, std::to_string(r));
+    }
+}
+
+std::string dump(const Grid& g, const TreeNodes& t) {
+    std::string s = std::string("row ") + std::to_string(g.row()) + "\n";
+    for (int r = 0; r < g.rows(); ++r) {
+        for (int c = 0; c < Grid::kCols; ++c) {
+            s += g.textMatrix(r, c) + "/" + std::to_string(g.backColorAt(r, c)) + "|";
+        }
+        s += "\n";
+    }
+    for (int i = 1; i <= t.count(); ++i) {
+        const NodeRef n = t.byIndex(i);
+        const NodeRef p = t.parent(n);
+        s += t.key(n) + ":" + t.text(n) + "<" + (p.isNull() ? "" : t.key(p)) + "\n";
+    }
+    return s;
+}
+
+TEST(TableRowOps, LinearDeleteMatchesRowByRowOnRandomMenus) {
+    std::mt19937 rng(4711);
+    for (int round = 0; round < 300; ++round) {
+        const int rows = 1 + static_cast<int>(rng() % 14);
+        Grid g;
+        TreeNodes t;
+        g.setRows(rows + 1);
+        g.setRow(static_cast<int>(rng() % static_cast<unsigned>(rows + 1)));
+        std::vector<NodeRef> parents{t.add(NodeRef{}, TreeNodes::kLast, "Menu0", "Top", "root")};
+        int serial = 0;
+        for (int r = 1; r <= rows; ++r) {
+            g.setTextMatrix(r, 1, std::string("T") + std::to_string(r));
+            g.setTextMatrix(r, 3, std::to_string(rng() % 100));
+            if (rng() % 4 == 0) {
+                parents.push_back(t.add(parents[rng() % parents.size()], TreeNodes::kChild,
+                                        std::string("Menu") + std::to_string(++serial), "F"));
+            }
+            if (rng() % 8 != 0) {  // some rows have no node
+                parents.push_back(t.add(parents[rng() % parents.size()], TreeNodes::kChild, item(r),
+                                        std::string("N") + std::to_string(r)));
+            }
+        }
+        if (rng() % 3 == 0) {  // a node keyed beyond the last row
+            t.add(parents[0], TreeNodes::kChild, item(rows + 2), "beyond");
+        }
+        const unsigned density = rng() % 5;  // 4: every row marked
+        for (int r = 1; r <= rows; ++r) {
+            if (density == 4 || rng() % 4 < density) {
+                for (int c = 0; c < Grid::kCols; ++c) {
+                    g.setBackColorAt(r, c, kMarkingColor);
+                }
+            }
+        }
+        Grid refGrid = g;
+        TreeNodes refTree = t;
+        rowByRowDelete(refGrid, refTree);
+        table::deleteMarkedLines(g, t, kMarkingColor, 0, kNormalColor);
+        ASSERT_EQ(dump(g, t), dump(refGrid, refTree)) << "round " << round;
+    }
+}
+
+TEST(TableRowOps, AddEmptyLineAppendsAndAddsABlankNodeOnlyToATree) {
+    Lines bare(2, false);
+    bare.form.toolbarClick("lineadd");
+    ASSERT_EQ(bare.form.Table.rows(), 4);
+    EXPECT_EQ(bare.form.Table.textMatrix(3, 0), "3");
+    EXPECT_EQ(bare.form.Table.row(), 3);
+    EXPECT_EQ(bare.form.Table.col(), 0);
+    EXPECT_EQ(bare.form.Table.backColorAt(3, 0), bare.form.normalColor);
+    EXPECT_EQ(bare.form.Treeview.count(), 0);
+    EXPECT_EQ(bare.form.addedLines, 0);
+
+    Lines w(2);
+    w.form.languageCode = 2;  // the German placeholder is replaced by the blank all the same
+    w.form.tree.deepestLevel = 3;
+    w.form.tree.levelNodes = {NodeRef{}, w.form.Treeview.find(item(1)),
+                              w.form.Treeview.find(item(2)), NodeRef{}};
+    w.form.addEmptyLine();
+    const NodeRef added = w.form.Treeview.find(item(3));
+    ASSERT_FALSE(added.isNull());
+    EXPECT_EQ(w.form.Treeview.text(added), " ");
+    EXPECT_EQ(w.form.Treeview.key(w.form.Treeview.parent(added)), "Menu0");
+    EXPECT_EQ(w.form.tree.deepestLevel, 1);
+    ASSERT_EQ(w.form.tree.levelNodes.size(), 2u);
+    EXPECT_EQ(w.form.tree.levelNodes[1], added);
+    EXPECT_EQ(w.form.addedLines, 1);
+
+    w.form.addedLines = 32767;  // the counter is 16-bit
+    try {
+        w.form.addEmptyLine();
+        ADD_FAILURE() << "no overflow";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), 6);
+    }
+}
+
+TEST(TableRowOps, MarkToggleOnlyFromTheNumberColumn) {
+    Lines w(3);
+    w.form.defaultCellColor = 0x123456;
+    w.clickNumber(2);
+    for (int c = 0; c < Grid::kCols; ++c) {
+        EXPECT_EQ(w.form.Table.backColorAt(2, c), kMarkingColor);
+    }
+    w.form.Table.setCol(1);  // a click on the title leaves the mark
+    w.form.tableClick();
+    EXPECT_EQ(w.form.Table.backColorAt(2, 1), kMarkingColor);
+    w.clickNumber(2);
+    EXPECT_EQ(w.form.Table.backColorAt(2, 0), kNormalColor);
+    for (int c = 1; c < Grid::kCols; ++c) {
+        EXPECT_EQ(w.form.Table.backColorAt(2, c), 0x123456u);
+    }
+    EXPECT_EQ(w.form.Treeview.image(w.form.Treeview.find(item(2))), "blank");
+    w.form.Treeview.remove(w.form.Treeview.find(item(3)));
+    w.clickNumber(3);  // a line without a node is marked all the same
+    EXPECT_EQ(w.form.Table.backColorAt(3, 1), kMarkingColor);
+}
+
+TEST(TableRowOps, ClearSelectionResetsTheFirstHighlightedRowOnly) {
+    Lines w(4);
+    for (int r : {2, 4}) {
+        for (int c = 0; c < Grid::kCols; ++c) {
+            w.form.Table.setBackColorAt(r, c, kHighlightColor);
+        }
+    }
+    w.form.Table.setRow(3);
+    w.form.Table.setCol(4);
+    w.form.tableMouseDown(1);
+    EXPECT_EQ(w.form.Table.backColorAt(2, 0), kHighlightColor);
+    for (int c = 1; c < Grid::kCols; ++c) {
+        EXPECT_EQ(w.form.Table.backColorAt(2, c), w.form.defaultCellColor);
+        EXPECT_EQ(w.form.Table.backColorAt(4, c), kHighlightColor);
+    }
+    EXPECT_EQ(w.form.Table.row(), 3);
+    EXPECT_EQ(w.form.Table.col(), 4);
+}
+
+TEST(TableRowOps, RemoveLineOfNodeShiftsLaterRowsAndKeys) {
+    Lines w(4);
+    w.form.Treeview.remove(w.form.Treeview.find(item(2)));  // the tree command drops the node
+    w.form.removeLineOfNode(item(2));
+    ASSERT_EQ(w.form.Table.rows(), 4);
+    EXPECT_EQ(w.form.Table.textMatrix(3, 0), "3");
+    EXPECT_EQ(w.nodeText(1), "T1");
+    EXPECT_EQ(w.nodeText(2), "T3");
+    EXPECT_EQ(w.nodeText(3), "T4");
+    EXPECT_EQ(w.nodeText(4), "<none>");
+}
+
+}  // namespace
+}  // namespace vkl
