@@ -45,6 +45,10 @@ struct PreviewState {
     std::string picture;  // full path of the bitmap shown
     int pictureWidth = 0;  // pixels
     int pictureHeight = 0;
+    // The window is the picture plus these frame allowances (twips): 850 in width for the
+    // borders and the picture box's offset, 500 in height for the title bar and borders.
+    static constexpr int kWidthMarginTwips = 850;
+    static constexpr int kHeightMarginTwips = 500;
 };
 
 // Captions the language refresh writes, one per control or pop-up entry.

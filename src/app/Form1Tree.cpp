@@ -1,19 +1,145 @@
 #include "app/Form1.h"
+#include "menufile/BitmapLookup.h"
+#include "platform/RuntimeError.h"
+#include "tree/Commands.h"
+#include "tree/Events.h"
+#include "tree/Views.h"
 
 namespace vkl {
 
-void Form1::treeviewNodeClick(const std::string&) {}
-void Form1::treeviewMouseDown(int, int, double, double) {}
-void Form1::treeviewAfterLabelEdit(const std::string&) {}
-void Form1::treeviewStartDrag() {}
-int Form1::treeviewDragOver(double, double) { return 0; }
-void Form1::treeviewDragDrop(const std::string&, double, double) {}
-void Form1::timer1Tick() {}
-void Form1::formDragOver(const std::string&) {}
-void Form1::menuClick(const std::string&) {}
-void Form1::expandClick() {}
-void Form1::colapseClick() {}
-void Form1::onlymenusClick() {}
-void Form1::showRowBitmap(int) {}
+namespace {
+
+tree::TreeWindow windowOf(Form1& f) {
+    return {f.Treeview,
+            f.Table,
+            f.treePort,
+            f.currentNodeKey,
+            f.currentSubmenuSerial,
+            f.pressedNode,
+            f.popupNode,
+            f.selectedNode,
+            f.treeSelected,
+            f.treeDropHighlight,
+            f.dragging,
+            f.lastDragX,
+            f.lastDragY,
+            f.scrollDirection,
+            f.selectedRow,
+            f.Timer1.enabled,
+            f.highlightColor,
+            f.defaultCellColor};
+}
+
+// Resolves a bitmap text and shows the file in the preview window, or reports it missing.
+void showBitmap(Form1& f, const std::string& written) {
+    const menufile::BitmapSources sources{f.Imagedir.text, f.shortcuts, f.installDir};
+    const std::string file = menufile::lookUpBitmap(f.host, sources, written);
+    if (file.empty()) {
+        return;
+    }
+    // Reaching the picture box creates the window; it shows once the picture is in.
+    f.preview.created = true;
+    const PictureSize size = f.host.loadPicture(file);
+    f.preview.picture = file;
+    f.preview.pictureWidth = size.width;
+    f.preview.pictureHeight = size.height;
+    f.preview.shown = true;
+}
+
+}  // namespace
+
+void Form1::treeviewNodeClick(const std::string& key) {
+    tree::TreeWindow w = windowOf(*this);
+    tree::nodeClick(
+        w, tree, key, [this](const std::string& bitmap) { showBitmap(*this, bitmap); },
+        [this](int16_t row) { showRowBitmap(row); });
+}
+
+void Form1::treeviewMouseDown(int button, int, double x, double y) {
+    tree::TreeWindow w = windowOf(*this);
+    const std::string menu = tree::mouseDown(w, button, x, y);
+    if (menu.empty()) {
+        return;
+    }
+    const std::string entry = host.popupMenu(menu);
+    if (!entry.empty()) {
+        menuClick(entry);
+    }
+}
+
+void Form1::treeviewAfterLabelEdit(const std::string& newText) {
+    tree::TreeWindow w = windowOf(*this);
+    tree::afterLabelEdit(w, newText);
+}
+
+void Form1::treeviewStartDrag() {
+    tree::TreeWindow w = windowOf(*this);
+    tree::startDrag(w);
+}
+
+int Form1::treeviewDragOver(double x, double y) {
+    tree::TreeWindow w = windowOf(*this);
+    return tree::dragOver(w, x, y);
+}
+
+void Form1::treeviewDragDrop(const std::string& draggedKey, double x, double y) {
+    tree::TreeWindow w = windowOf(*this);
+    tree::dragDrop(w, draggedKey, x, y);
+}
+
+void Form1::timer1Tick() {
+    tree::TreeWindow w = windowOf(*this);
+    tree::timerTick(w);
+}
+
+void Form1::formDragOver(const std::string&) {
+    // The handler asks the drag source for a member no control has; the failed late-bound
+    // lookup is not caught and ends the program. Kept as the editor has always behaved.
+    throw RuntimeError::noSuchMember();
+}
+
+void Form1::menuClick(const std::string& entry) {
+    // The pop-ups open only on a node, which makes it current; without one there is nothing
+    // to act on.
+    if (currentNodeKey.empty()) {
+        return;
+    }
+    if (entry == "addsub") {
+        tree::addSubmenu(Treeview, tree, currentNodeKey, TreeNodes::kChild);
+    } else if (entry == "addabove1" || entry == "addabove2") {
+        tree::addSubmenu(Treeview, tree, currentNodeKey, TreeNodes::kPrevious);
+    } else if (entry == "addbelow2") {
+        tree::addSubmenu(Treeview, tree, currentNodeKey, TreeNodes::kNext);
+    } else if (entry == "remove1" || entry == "remove2") {
+        tree::removeNode(Table, Treeview, currentNodeKey, 1, markingColor, defaultCellColor,
+                         normalColor);
+    } else if (entry == "removechilden") {
+        tree::removeNode(Table, Treeview, currentNodeKey, 0, markingColor, defaultCellColor,
+                         normalColor);
+    } else if (entry == "addimage") {
+        tree::addImage(host, Treeview, tree, Imagedir.text, currentNodeKey, currentSubmenuSerial);
+    }
+}
+
+void Form1::expandClick() {
+    tree::setAllExpanded(Treeview, currentNodeKey, true);
+}
+
+void Form1::colapseClick() {
+    tree::setAllExpanded(Treeview, currentNodeKey, false);
+}
+
+void Form1::onlymenusClick() {
+    tree::showMenusOnly(Treeview, currentNodeKey);
+}
+
+void Form1::showRowBitmap(int row) {
+    // A line without a bitmap name shows nothing, whatever its written bitmap holds.
+    if (Table.textMatrix(row, 2).empty()) {
+        return;
+    }
+    const std::string written = Table.textMatrix(row, 5);
+    showBitmap(*this, written);
+}
 
 }  // namespace vkl

@@ -1,0 +1,488 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include "app/Form1.h"
+#include "menufile/BitmapLookup.h"
+#include "platform/NodeKeys.h"
+#include "platform/RuntimeError.h"
+#include "platform/Text.h"
+#include "support/ScriptedHost.h"
+#include "table/RowOps.h"
+
+namespace vkl {
+namespace {
+
+namespace fs = std::filesystem;
+using Keys = std::vector<std::string>;
+
+constexpr Color kDefaultCell = rgb(250, 250, 250);
+
+// The tree's view: the node the test put at a height is under the pointer there.
+class FakePort : public TreeViewPort {
+  public:
+    std::map<double, std::string> at;
+    std::vector<int> scrolls;
+    std::string hitTest(double, double y) const override {
+        const auto it = at.find(y);
+        return it == at.end() ? std::string() : it->second;
+    }
+    void scrollLine(int request) override { scrolls.push_back(request); }
+    double heightTwips() const override { return 4000; }
+};
+
+// A window over a menu given as an outline: leading blanks are the depth below the root, "M"
+// is a folder (serials from 1), anything else an item line with that title (rows in order).
+struct Window {
+    explicit Window(const Keys& outline = {}, std::string installDir = "/opt/b")
+        : form(host, std::move(installDir), 1) {
+        form.defaultCellColor = kDefaultCell;
+        form.treePort = &port;
+        std::vector<NodeRef> level{tree().add(NodeRef{}, 0, "Menu0", "Top Menu", "root")};
+        for (const std::string& line : outline) {
+            const size_t depth = line.find_first_not_of(' ');
+            level.resize(depth + 1);
+            const std::string title = line.substr(depth);
+            if (title == "M") {
+                const std::string key = keys::folder(++form.tree.nodeSerial);
+                level.push_back(
+                    tree().add(level[depth], TreeNodes::kChild, key, "SUB", "folderclosed"));
+            } else {
+                const int r = form.Table.appendRow();
+                form.Table.setTextMatrix(r, 0, text::str(r));
+                form.Table.setTextMatrix(r, 1, title);
+                level.push_back(tree().add(level[depth], TreeNodes::kChild, keys::item(r), "T"));
+            }
+        }
+    }
+    TreeNodes& tree() { return form.Treeview; }
+    NodeRef node(const std::string& key) { return tree().byKey(key); }
+    std::string parentKey(const std::string& key) { return tree().key(tree().parent(node(key))); }
+    Keys kids(const std::string& key) {
+        Keys out;
+        for (NodeRef c = tree().child(node(key)); !c.isNull(); c = tree().next(c)) {
+            out.push_back(tree().key(c));
+        }
+        return out;
+    }
+    Keys titles() {
+        Keys out;
+        for (int r = 1; r < form.Table.rows(); ++r) {
+            out.push_back(form.Table.textMatrix(r, 1));
+        }
+        return out;
+    }
+    test::ScriptedHost host;
+    FakePort port;
+    Form1 form;
+};
+
+TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
+    Window w({"M", " Through", "M", " Saw"});  // as a file with two submenus leaves it
+    w.form.currentNodeKey = "Menu1";
+    for (int i = 0; i < 3; ++i) {
+        w.form.menuClick("addsub");
+    }
+    EXPECT_EQ(w.kids("Menu1"), (Keys{"Child1", "Menu3", "Menu4", "Menu5"}));
+    EXPECT_EQ(w.tree().text(w.node("Menu4")), "MENU");
+    EXPECT_EQ(w.tree().image(w.node("Menu4")), "folderclosed");
+    EXPECT_EQ(w.form.currentNodeKey, "Menu1");
+
+    w.form.currentNodeKey = "Child1";
+    for (const char* entry : {"addabove1", "addabove2", "addbelow2"}) {
+        w.form.menuClick(entry);
+    }
+    EXPECT_EQ(w.kids("Menu1"),
+              (Keys{"Menu6", "Menu7", "Child1", "Menu8", "Menu3", "Menu4", "Menu5"}));
+
+    w.form.currentNodeKey = "Menu99";
+    try {
+        w.form.menuClick("addsub");
+        FAIL() << "a key naming no node raises the control's error";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), RuntimeError::elementNotFound().number());
+    }
+}
+
+TEST(TreeCommands, RemoveDeletesTheRowsOfTheItemsBelow) {
+    Window folder({"before", "M", " a", " M", "  inner", " b", "after"});
+    folder.form.currentNodeKey = "Menu1";
+    folder.form.menuClick("removechilden");
+    EXPECT_EQ(folder.titles(), (Keys{"before", "after"}));
+    EXPECT_EQ(folder.form.Table.textMatrix(2, 0), "2");
+    EXPECT_EQ(folder.kids("Menu0"), (Keys{"Child1", "Menu1", "Child2"}));
+    EXPECT_EQ(folder.kids("Menu1"), (Keys{"Menu2"}));
+    EXPECT_TRUE(folder.kids("Menu2").empty());
+
+    // An item goes alone with its row whatever the command; nested rows stay without nodes.
+    for (const char* entry : {"remove1", "remove2", "removechilden"}) {
+        Window item({"top", " nested", "  deeper", "next"});
+        item.form.currentNodeKey = "Child1";
+        item.form.menuClick(entry);
+        EXPECT_EQ(item.titles(), (Keys{"nested", "deeper", "next"})) << entry;
+        EXPECT_EQ(item.kids("Menu0"), (Keys{"Child3"})) << entry;
+        EXPECT_EQ(item.tree().count(), 2) << entry;
+    }
+    for (const char* entry : {"remove1", "remove2"}) {
+        Window w({"M", " a", " M", "  b", "c"});
+        w.form.currentNodeKey = "Menu1";
+        w.form.menuClick(entry);
+        EXPECT_EQ(w.titles(), (Keys{"c"})) << entry;
+        EXPECT_EQ(w.kids("Menu0"), (Keys{"Child1"})) << entry;
+    }
+}
+
+// Everything a removal can change, for comparing two runs.
+Keys snapshot(Window& w) {
+    Keys out;
+    for (int i = 1; i <= w.tree().count(); ++i) {
+        const NodeRef n = w.tree().byIndex(i);
+        const NodeRef p = w.tree().parent(n);
+        out.push_back(w.tree().key(n) + "<" + (p.isNull() ? "" : w.tree().key(p)) + "@" +
+                      text::str(w.tree().position(n)));
+    }
+    const Grid& g = w.form.Table;
+    for (int r = 0; r < g.rows(); ++r) {
+        for (int c = 0; c < g.cols(); ++c) {
+            out.push_back(g.textMatrix(r, c) + "/" + text::str(g.backColorAt(r, c)));
+        }
+    }
+    out.push_back(text::str(g.row()) + "," + text::str(g.col()));
+    return out;
+}
+
+// The marking done literally: paint a level, purge at its end, innermost levels first.
+void markLiterally(Form1& f, NodeRef node) {
+    std::vector<NodeRef> kids;
+    for (NodeRef c = f.Treeview.child(node); !c.isNull(); c = f.Treeview.next(c)) {
+        kids.push_back(c);
+    }
+    for (const NodeRef c : kids) {
+        if (!f.Treeview.alive(c)) {
+            continue;  // purged with a level before
+        }
+        if (keys::isItem(f.Treeview.key(c))) {
+            const int r = static_cast<int>(keys::rowOf(f.Treeview.key(c)));
+            f.Table.setRow(r);
+            for (int col = 0; col < f.Table.cols(); ++col) {
+                f.Table.setCol(col);
+                f.Table.setBackColorAt(r, col, f.markingColor);
+            }
+            f.Table.setCol(0);
+        }
+        if (f.Treeview.children(c) > 0) {
+            markLiterally(f, c);
+        }
+    }
+    table::deleteMarkedLines(f.Table, f.Treeview, f.markingColor, f.defaultCellColor,
+                             f.normalColor);
+}
+
+// A random menu: items may hold items, keys name rows in random order, some lines are marked by
+// the user beforehand and some rows have no node. Returns the command value to use.
+int randomMenu(Window& w, unsigned seed) {
+    std::mt19937 rng(seed);
+    auto pick = [&](size_t n) { return static_cast<size_t>(rng() % n); };
+    const size_t nodes = 1 + pick(40);
+    const int rows = static_cast<int>(nodes + pick(4));
+    std::vector<int> order;
+    for (int r = 1; r <= rows; ++r) {
+        w.form.Table.setTextMatrix(w.form.Table.appendRow(), 1, "line" + text::str(r));
+        if (pick(6) == 0) {
+            for (int c = 0; c < Grid::kCols; ++c) {
+                w.form.Table.setBackColorAt(r, c, w.form.markingColor);
+            }
+        }
+        order.push_back(r);
+    }
+    std::shuffle(order.begin(), order.end(), rng);
+    std::vector<NodeRef> all{w.node("Menu0")};
+    Keys folders{"Menu0"};
+    for (size_t i = 0, items = 0; i < nodes; ++i) {
+        const NodeRef parent = all[pick(all.size())];
+        if (pick(3) == 0 || items == order.size()) {
+            folders.push_back(keys::folder(++w.form.tree.nodeSerial));
+            all.push_back(w.tree().add(parent, TreeNodes::kChild, folders.back(), "SUB"));
+        } else {
+            all.push_back(w.tree().add(parent, TreeNodes::kChild, keys::item(order[items++]), "I"));
+        }
+    }
+    w.form.Table.setRow(1 + static_cast<int>(pick(static_cast<size_t>(rows))));
+    w.form.currentNodeKey = folders[pick(folders.size())];
+    return static_cast<int>(pick(2));
+}
+
+TEST(TreeCommands, RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel) {
+    for (unsigned seed = 1; seed <= 400; ++seed) {
+        Window fast;
+        Window literal;
+        const int value = randomMenu(fast, seed);
+        randomMenu(literal, seed);
+        int errors[2] = {0, 0};
+        try {
+            fast.form.menuClick(value == 1 ? "remove2" : "removechilden");
+        } catch (const RuntimeError& e) {
+            errors[0] = e.number();
+        }
+        try {
+            const NodeRef n = literal.node(literal.form.currentNodeKey);
+            if (literal.tree().children(n) > 0) {
+                markLiterally(literal.form, n);
+            }
+            if (value == 1) {
+                literal.tree().remove(literal.node(literal.form.currentNodeKey));
+            }
+        } catch (const RuntimeError& e) {
+            errors[1] = e.number();
+        }
+        ASSERT_EQ(errors[0], errors[1]) << "seed " << seed;
+        ASSERT_EQ(snapshot(fast), snapshot(literal)) << "seed " << seed;
+    }
+}
+
+TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
+    Window w({"M", " a"});
+    Form1& f = w.form;
+    f.currentNodeKey = "Menu1";
+    f.currentSubmenuSerial = 5;
+    f.tree.submenuBitmaps = {"", "", "two.bmp"};
+    f.tree.highestBitmapSerial = 2;
+    f.Imagedir.text = "/data/images";
+    w.host.openAnswers = {{}, test::ScriptedHost::pick("/data/images/F.bmp")};
+    f.menuClick("addimage");  // cancelled
+    EXPECT_EQ(f.tree.submenuBitmaps.size(), 3u);
+    EXPECT_EQ(w.tree().image(w.node("Menu1")), "folderclosed");
+
+    f.menuClick("addimage");
+    EXPECT_EQ(w.host.openRequests[1].filter, "All Files (*.*)|*.*|Bmp Files (*.bmp)|*.bmp");
+    EXPECT_EQ(w.host.openRequests[1].filterIndex, 2);
+    EXPECT_EQ(w.host.openRequests[1].initialDir, "/data/images");
+    EXPECT_EQ(f.tree.submenuBitmaps, (Keys{"", "", "two.bmp", "", "", "/data/images/F.bmp"}));
+    EXPECT_EQ(f.tree.highestBitmapSerial, 5);
+    EXPECT_EQ(w.tree().image(w.node("Menu1")), "image_here");
+
+    // On an item: its image changes, the path goes to the folder clicked last.
+    f.currentNodeKey = "Child1";
+    f.currentSubmenuSerial = 1;
+    w.host.openAnswers = {test::ScriptedHost::pick("/x/y.bmp")};
+    f.menuClick("addimage");
+    EXPECT_EQ(f.tree.submenuBitmaps[1], "/x/y.bmp");
+    EXPECT_EQ(f.tree.highestBitmapSerial, 5);
+    EXPECT_EQ(w.tree().image(w.node("Child1")), "image_here");
+}
+
+void expectLine(const Grid& g, int row, Color color) {
+    for (int c = 0; c < g.cols(); ++c) {
+        EXPECT_EQ(g.backColorAt(row, c), color) << "row " << row << " col " << c;
+    }
+}
+
+TEST(TreeEvents, ItemClickScrollsToTheLineAndMovesTheHighlight) {
+    Keys outline{"M"};
+    for (int i = 1; i <= 20; ++i) {
+        outline.push_back(" line");
+    }
+    Window w(outline);
+    Form1& f = w.form;
+    f.treeviewNodeClick("Child11");
+    EXPECT_EQ(f.Table.topRow(), 6);
+    expectLine(f.Table, 11, f.highlightColor);
+    EXPECT_EQ(f.treeSelected, w.node("Child11"));
+
+    f.treeviewNodeClick("Child10");
+    EXPECT_EQ(f.Table.topRow(), 1);
+    expectLine(f.Table, 11, kDefaultCell);
+    expectLine(f.Table, 10, f.highlightColor);
+    EXPECT_EQ(f.selectedRow, 10);
+
+    f.Table.setBackColorAt(15, 1, f.highlightColor);  // the last highlighted line counts
+    f.treeviewNodeClick("Menu1");
+    EXPECT_EQ(f.selectedRow, 15);
+    expectLine(f.Table, 15, kDefaultCell);
+    EXPECT_EQ(f.Table.backColorAt(10, 1), f.highlightColor);
+    EXPECT_EQ(f.currentSubmenuSerial, 1);
+    EXPECT_TRUE(w.host.messages.empty());  // no bitmap entry: nothing shown
+}
+
+TEST(TreeEvents, MouseDownOpensThePopupOfTheNodeKind) {
+    Window w({"M", " item", "M"});
+    Form1& f = w.form;
+    w.port.at = {{10, "Menu0"}, {20, "Menu1"}, {30, "Child1"}, {40, "Menu2"}};
+    f.treeviewMouseDown(2, 0, 0, 99);  // nothing under the pointer
+    f.treeviewMouseDown(1, 0, 0, 10);
+    EXPECT_TRUE(f.Treeview.expanded(w.node("Menu0")));
+    EXPECT_TRUE(w.host.popups.empty());
+
+    w.host.popupAnswers = {"addsub"};
+    f.treeviewMouseDown(2, 0, 0, 10);
+    EXPECT_EQ(w.kids("Menu0").back(), "Menu3");  // the chosen entry ran on the root
+    f.treeviewMouseDown(2, 0, 0, 30);
+    EXPECT_EQ(f.popupNode, w.node("Child1"));
+    EXPECT_EQ(f.currentNodeKey, "Child1");
+    f.treeviewMouseDown(2, 0, 0, 40);
+    EXPECT_EQ(f.currentSubmenuSerial, 2);
+    f.treeviewMouseDown(1, 0, 0, 20);
+    EXPECT_EQ(f.treeSelected, w.node("Menu1"));
+    EXPECT_EQ(w.host.popups, (Keys{"Menu1", "Menu2", "menu3"}));
+    EXPECT_EQ(f.currentSubmenuSerial, 2);  // a left press leaves it
+}
+
+TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
+    Window w({"M", " a", " M", "  b", "c", "M", " d"});
+    Form1& f = w.form;
+    f.Treeview.setImage(w.node("Menu3"), "image_here");
+    w.port.at = {{1, "Child1"}, {2, "Menu2"}, {3, "Menu3"}};
+    auto drag = [&](const std::string& key, double y) {
+        f.treeviewStartDrag();
+        f.treeviewDragDrop(key, 0, y);
+        EXPECT_FALSE(f.dragging);
+    };
+    drag("Child3", 1);  // onto an item
+    EXPECT_EQ(w.parentKey("Child3"), "Menu0");
+    drag("Child3", 2);
+    EXPECT_EQ(w.kids("Menu2"), (Keys{"Child2", "Child3"}));
+    drag("Menu1", 2);  // onto its own descendant: refused silently
+    EXPECT_EQ(w.parentKey("Menu1"), "Menu0");
+    EXPECT_TRUE(w.host.messages.empty());
+    drag("Child2", 3);  // a folder showing a bitmap hands the drop to its parent
+    EXPECT_EQ(w.parentKey("Child2"), "Menu0");
+    EXPECT_EQ(f.currentNodeKey, "Menu3");
+    drag("Child4", 77);  // no node under the pointer
+    EXPECT_EQ(w.parentKey("Child4"), "Menu3");
+}
+
+TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
+    Window w({"a"});
+    Form1& f = w.form;
+    for (double y : {0.0, 50.0, 150.0, 3850.0, 4000.0}) {
+        w.port.at[y] = "Child1";
+    }
+    EXPECT_EQ(f.treeviewDragOver(0, 50), 0);  // no drag from the tree
+    f.treeviewStartDrag();
+    EXPECT_EQ(f.treeviewDragOver(0, 50), 2);
+    EXPECT_TRUE(f.Timer1.enabled);
+    EXPECT_EQ(f.scrollDirection, -1);
+    f.treeDropHighlight = {};
+    f.timer1Tick();
+    EXPECT_EQ(f.treeDropHighlight, w.node("Child1"));  // under the last position
+    EXPECT_EQ(f.treeviewDragOver(0, 150), 2);
+    EXPECT_FALSE(f.Timer1.enabled);
+    f.treeviewDragOver(0, 3850);
+    EXPECT_TRUE(f.Timer1.enabled);
+    f.timer1Tick();
+    for (double y : {0.0, 4000.0}) {
+        f.treeviewDragOver(0, y);
+        EXPECT_FALSE(f.Timer1.enabled) << y;
+    }
+    EXPECT_EQ(w.port.scrolls, (std::vector<int>{0, 1}));
+}
+
+TEST(TreeEvents, LabelEditsReachTheTitleOfItemsOnly) {
+    Window w({"M", "x"});
+    w.form.Table.setTextMatrix(1, 1, "   Indented");
+    w.form.treeSelected = w.node("Child1");
+    w.form.treeviewAfterLabelEdit("Plain");
+    w.form.treeSelected = w.node("Menu1");
+    w.form.treeviewAfterLabelEdit("Folder");
+    EXPECT_EQ(w.titles(), (Keys{"Plain"}));
+    EXPECT_EQ(w.tree().text(w.node("Child1")), "Plain");
+    EXPECT_EQ(w.tree().text(w.node("Menu1")), "Folder");
+}
+
+TEST(TreeViews, ExpandCollapseAndMenusOnly) {
+    Window w({"M", " a", "M", " M", " c", "x", " y"});
+    TreeNodes& t = w.tree();
+    t.setExpanded(w.node("Child3"), true);  // an item holding an item stays as it is
+    w.form.expandClick();
+    EXPECT_TRUE(t.expanded(w.node("Menu0")) && t.expanded(w.node("Menu1")));
+    EXPECT_EQ(w.form.currentNodeKey, "Child4");  // the last node in index order
+    w.form.colapseClick();
+    EXPECT_FALSE(t.expanded(w.node("Menu0")) || t.expanded(w.node("Menu2")));
+    EXPECT_TRUE(t.expanded(w.node("Child3")));
+    w.form.onlymenusClick();
+    EXPECT_TRUE(t.expanded(w.node("Menu0")));
+    EXPECT_FALSE(t.expanded(w.node("Menu1")));  // items only
+    EXPECT_TRUE(t.expanded(w.node("Menu2")));
+
+    // The children's index range decides: Menu5, created between the two children of Menu4,
+    // opens Menu4 without being its child.
+    t.add("Menu1", TreeNodes::kChild, "Menu4", "A", "folderclosed");
+    t.add("Menu4", TreeNodes::kChild, "Child8", "A1");
+    t.add("Menu0", TreeNodes::kChild, "Menu5", "B", "folderclosed");
+    t.add("Menu4", TreeNodes::kChild, "Child9", "A2");
+    w.form.onlymenusClick();
+    EXPECT_TRUE(t.expanded(w.node("Menu4")));
+}
+
+// A folder of its own under the temporary folder, removed at the end.
+struct TempDir {
+    TempDir() : path(fs::temp_directory_path() / ("vkl_bmp_" + text::str(getpid()))) {
+        fs::create_directories(path / "Sub");
+    }
+    ~TempDir() { fs::remove_all(path); }
+    fs::path path;
+};
+
+TEST(TreeBitmap, InstallDirPathIsLoweredAndFoundOnDiskWithoutRegardToCase) {
+    TempDir dir;
+    test::writeBmp((dir.path / "Sub" / "File.bmp").string(), 3, 2);
+    test::writeBmp((dir.path / "TWO.BMP").string(), 6, 7);
+    Window w({"M", "one", "two", "three"}, dir.path.string());
+    Form1& f = w.form;
+    const std::string install = text::replaceAll(dir.path.string(), "/", "\\");
+    const char* cells[][2] = {{"File", "[INSTALLDIR]/Sub/File.bmp"},
+                              {"Gone", "[installdir]/Sub/Gone.bmp"},
+                              {"", "[installdir]/two.bmp"}};
+    for (int r = 1; r <= 3; ++r) {
+        f.Table.setTextMatrix(r, 2, cells[r - 1][0]);
+        f.Table.setTextMatrix(r, 5, cells[r - 1][1]);
+    }
+    f.treeviewNodeClick("Child1");
+    EXPECT_EQ(fs::path(f.preview.picture), dir.path / "Sub" / "File.bmp");
+    EXPECT_TRUE(f.preview.shown);
+    EXPECT_EQ(f.preview.pictureWidth, 3);
+
+    f.treeviewNodeClick("Child2");  // missing: the path as computed; the picture stays
+    ASSERT_EQ(w.host.messages.size(), 1u);
+    EXPECT_EQ(w.host.messages[0].prompt,
+              "BMP File not found !\r\r\n'" + install + "\\sub\\gone.bmp'");
+    EXPECT_FALSE(w.host.messages[0].title.has_value());
+    EXPECT_EQ(fs::path(f.preview.picture), dir.path / "Sub" / "File.bmp");
+
+    f.treeviewNodeClick("Child3");  // no bitmap name: nothing, whatever column 5 holds
+    EXPECT_EQ(w.host.messages.size(), 1u);
+    f.tree.submenuBitmaps = {"", "[installdir]/two.bmp"};
+    f.treeviewNodeClick("Menu1");
+    EXPECT_EQ(fs::path(f.preview.picture), dir.path / "TWO.BMP");
+    EXPECT_EQ(f.preview.pictureHeight, 7);
+}
+
+TEST(TreeBitmap, ImageDirectoryAndShortcutsRewriteThePath) {
+    Window w({}, "C:/Brindle");
+    auto computed = [&](const std::string& written) {
+        const menufile::BitmapSources s{w.form.Imagedir.text, w.form.shortcuts, w.form.installDir};
+        return menufile::computeBitmapPath(w.host, s, written);
+    };
+    w.host.env = {"HOMEDIR=/Users/Some One", "OTHER=x", "homedir=/Later/Wins"};
+    w.form.Imagedir.text = "HomeDir/Pics";
+    EXPECT_EQ(computed("A.bmp"), "\\later\\wins\\pics\\a.bmp");
+    w.form.Imagedir.text = "[installdir]/Other";
+    EXPECT_EQ(computed("Icons/B.bmp"), "C:\\Brindle\\x\\icons\\b.bmp");
+
+    w.form.Imagedir.text.clear();
+    w.form.shortcuts.pairs = {{{"DATA", "d:/one"}, {"PICS", "p:/two"}}};
+    w.form.shortcuts.count = 2;
+    EXPECT_EQ(computed("Data\\pics\\x.bmp"), "data\\p:\\two\\x.bmp");
+    w.form.shortcuts.count = 1;
+    EXPECT_EQ(computed("Data\\pics\\x.bmp"), "d:\\one\\pics\\x.bmp");
+}
+
+}  // namespace
+}  // namespace vkl
