@@ -1,0 +1,985 @@
+#include "gui/MainWindow.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFile>
+#include <QFocusEvent>
+#include <QFontMetrics>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTimer>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <new>
+
+#include "gui/GridModel.h"
+#include "gui/Icons.h"
+#include "gui/PreviewWindow.h"
+#include "gui/TreeModel.h"
+#include "gui/Views.h"
+#include "platform/RuntimeError.h"
+#include "platform/Text.h"
+
+namespace vkl::gui {
+
+namespace {
+
+QString fromCp1252(const std::string& s) {
+    return QString::fromStdString(text::cp1252ToUtf8(s));
+}
+
+std::string toCp1252(const QString& s) {
+    return text::utf8ToCp1252(s.toStdString());
+}
+
+// Focus that moves because another window or a pop-up took it is no focus change of the form.
+bool formFocusReason(Qt::FocusReason reason) {
+    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason;
+}
+
+bool sameToolbar(const std::vector<ToolbarButton>& a, const std::vector<ToolbarButton>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const ToolbarButton& x, const ToolbarButton& y) {
+                          return x.key == y.key && x.image == y.image && x.style == y.style &&
+                                 x.tooltip == y.tooltip && x.description == y.description &&
+                                 x.widthTwips == y.widthTwips;
+                      });
+}
+
+void setLabel(QLabel* label, const std::string& text) {
+    const QString shown = fromCp1252(text);
+    if (label->text() != shown) {
+        label->setText(shown);
+    }
+}
+
+void setCaption(QAbstractButton* button, const std::string& text) {
+    const QString shown = fromCp1252(text);
+    if (button->text() != shown) {
+        button->setText(shown);
+    }
+}
+
+void showField(QLineEdit* edit, const TextBox& field) {
+    if (toCp1252(edit->text()) != field.text) {
+        edit->setText(fromCp1252(field.text));
+        edit->setCursorPosition(0);
+    }
+    edit->setEnabled(field.enabled);
+    if (edit->isHidden() == field.visible) {
+        edit->setVisible(field.visible);
+    }
+}
+
+void showItems(QComboBox* combo, const std::vector<std::string>& items) {
+    QStringList wanted;
+    for (const std::string& item : items) {
+        wanted << fromCp1252(item);
+    }
+    QStringList present;
+    for (int i = 0; i < combo->count(); ++i) {
+        present << combo->itemText(i);
+    }
+    if (present != wanted) {
+        const QString edit = combo->isEditable() ? combo->currentText() : QString();
+        combo->clear();
+        combo->addItems(wanted);
+        if (combo->isEditable()) {
+            combo->setEditText(edit);
+        }
+    }
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Form1& form, QWidget* parent) : QMainWindow(parent), form_(form) {
+    setObjectName(QStringLiteral("Form1"));
+    setWindowTitle(QStringLiteral("VKL Editor"));
+    // The toolbar is part of the window, not something to switch off from a context menu.
+    setContextMenuPolicy(Qt::NoContextMenu);
+
+    gridModel_ = new GridModel(form_.Table, this);
+    treeModel_ = new TreeModel(form_.Treeview, this);
+    buildWidgets();
+    buildMenus();
+    connectGrid();
+    connectTree();
+    form_.treePort = tree_;
+    sizeColumns();
+}
+
+MainWindow::~MainWindow() {
+    if (form_.treePort == tree_) {
+        form_.treePort = nullptr;
+    }
+}
+
+// ---- Building --------------------------------------------------------------------------------
+
+void MainWindow::buildWidgets() {
+    toolbar_ = new QToolBar(this);
+    toolbar_->setObjectName(QStringLiteral("Toolbar1"));
+    toolbar_->setMovable(false);
+    toolbar_->setFloatable(false);
+    toolbar_->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    addToolBar(Qt::TopToolBarArea, toolbar_);
+
+    auto* central = new QWidget(this);
+    setCentralWidget(central);
+    auto* outer = new QVBoxLayout(central);
+
+    const auto makeLabel = [central](const char* name) {
+        auto* l = new QLabel(central);
+        l->setObjectName(QString::fromLatin1(name));
+        return l;
+    };
+    const auto makeEdit = [central](const char* name) {
+        auto* e = new QLineEdit(central);
+        e->setObjectName(QString::fromLatin1(name));
+        return e;
+    };
+    const auto makeButton = [central](const char* name) {
+        auto* b = new QPushButton(central);
+        b->setObjectName(QString::fromLatin1(name));
+        b->setAutoDefault(false);
+        return b;
+    };
+    const auto makeSizeField = [this, central](const char* name) {
+        auto* c = new QComboBox(central);
+        c->setObjectName(QString::fromLatin1(name));
+        c->setEditable(true);
+        c->setInsertPolicy(QComboBox::NoInsert);
+        c->setMinimumContentsLength(5);
+        c->installEventFilter(this);
+        return c;
+    };
+
+    // Header fields of the menu file, above the grid.
+    label3_ = makeLabel("Label3");
+    text2_ = makeEdit("Text2");
+    label4_ = makeLabel("Label4");
+    text3_ = makeEdit("Text3");
+    label1_ = makeLabel("Label1");
+    combo2_ = makeSizeField("Combo2");
+    label2_ = makeLabel("Label2");
+    combo3_ = makeSizeField("Combo3");
+    askDatadir_ = makeButton("ask_datadir");
+    datadir_ = makeEdit("Datadir");
+    askImagedir_ = makeButton("ask_imagedir");
+    imagedir_ = makeEdit("Imagedir");
+    label1_->setBuddy(combo2_);
+    label2_->setBuddy(combo3_);
+    label3_->setBuddy(text2_);
+    label4_->setBuddy(text3_);
+
+    auto* header = new QGridLayout;
+    header->addWidget(label3_, 0, 0);
+    header->addWidget(text2_, 0, 1);
+    header->addWidget(label1_, 0, 2);
+    header->addWidget(combo2_, 0, 3);
+    header->addWidget(label4_, 1, 0);
+    header->addWidget(text3_, 1, 1);
+    header->addWidget(label2_, 1, 2);
+    header->addWidget(combo3_, 1, 3);
+    header->addWidget(askDatadir_, 2, 0);
+    header->addWidget(datadir_, 2, 1, 1, 3);
+    header->addWidget(askImagedir_, 3, 0);
+    header->addWidget(imagedir_, 3, 1, 1, 3);
+    header->setColumnStretch(1, 1);
+    outer->addLayout(header);
+
+    // The grid with the tree beside it.
+    auto* body = new QSplitter(Qt::Horizontal, central);
+    body->setChildrenCollapsible(false);
+
+    table_ = new GridView(body);
+    table_->setObjectName(QStringLiteral("Table"));
+    table_->setModel(gridModel_);
+    table_->verticalHeader()->hide();
+    table_->verticalHeader()->setMinimumSectionSize(1);
+    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 8);
+    table_->horizontalHeader()->setSectionsClickable(false);
+    table_->horizontalHeader()->setHighlightSections(false);
+    table_->horizontalHeader()->setStretchLastSection(false);
+    table_->horizontalHeader()->setMinimumSectionSize(1);
+    table_->setSelectionMode(QAbstractItemView::SingleSelection);
+    table_->setSelectionBehavior(QAbstractItemView::SelectItems);
+    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table_->setTabKeyNavigation(false);
+    table_->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    table_->setWordWrap(false);
+    table_->setCornerButtonEnabled(false);
+    table_->setAcceptDrops(true);
+    table_->setDropIndicatorShown(false);
+    table_->setDragDropMode(QAbstractItemView::DropOnly);
+    body->addWidget(table_);
+
+    // The editors of a cell, laid over it when an edit starts.
+    text1_ = new QLineEdit(table_->viewport());
+    text1_->setObjectName(QStringLiteral("Text1"));
+    // A thin border in the highlight colour tells the open editor from the cell under it.
+    text1_->setFrame(false);
+    text1_->setAutoFillBackground(true);
+    text1_->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid palette(highlight); }"));
+    text1_->hide();
+    text1_->installEventFilter(this);
+    combo1_ = new QComboBox(table_->viewport());
+    combo1_->setObjectName(QStringLiteral("Combo1"));
+    combo1_->hide();
+    combo1_->installEventFilter(this);
+
+    auto* treePane = new QWidget(body);
+    auto* treeColumn = new QVBoxLayout(treePane);
+    treeColumn->setContentsMargins(0, 0, 0, 0);
+    tree_ = new NodeView(treePane);
+    tree_->setObjectName(QStringLiteral("Treeview"));
+    tree_->setModel(treeModel_);
+    tree_->setHeaderHidden(true);
+    tree_->setUniformRowHeights(true);
+    tree_->setSelectionMode(QAbstractItemView::SingleSelection);
+    tree_->setEditTriggers(QAbstractItemView::SelectedClicked | QAbstractItemView::EditKeyPressed);
+    tree_->setDragEnabled(true);
+    tree_->setAcceptDrops(true);
+    tree_->setDragDropMode(QAbstractItemView::DragDrop);
+    tree_->setDefaultDropAction(Qt::MoveAction);
+    tree_->setDropIndicatorShown(false);
+    // Scrolling near the edges while dragging is the form's timer's work.
+    tree_->setAutoScroll(false);
+    treeColumn->addWidget(tree_, 1);
+
+    expand_ = makeButton("Expand");
+    colapse_ = makeButton("Colapse");
+    onlymenus_ = makeButton("onlymenus");
+    auto* views = new QHBoxLayout;
+    views->addWidget(expand_);
+    views->addWidget(colapse_);
+    views->addWidget(onlymenus_);
+    treeColumn->addLayout(views);
+    body->addWidget(treePane);
+    body->setStretchFactor(0, 3);
+    body->setStretchFactor(1, 1);
+    outer->addWidget(body, 1);
+
+    decfilename_ = makeLabel("decfilename");
+    decfilename_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    quit_ = makeButton("Quit");
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(decfilename_, 1);
+    bottom->addWidget(quit_);
+    outer->addLayout(bottom);
+
+    timer1_ = new QTimer(this);
+    timer1_->setObjectName(QStringLiteral("Timer1"));
+    connect(timer1_, &QTimer::timeout, this, [this] { run([this] { form_.timer1Tick(); }); });
+
+    connect(askDatadir_, &QPushButton::clicked, this,
+            [this] { run([this] { form_.askDatadirClick(); }); });
+    connect(askImagedir_, &QPushButton::clicked, this,
+            [this] { run([this] { form_.askImagedirClick(); }); });
+    connect(expand_, &QPushButton::clicked, this, [this] { run([this] { form_.expandClick(); }); });
+    connect(colapse_, &QPushButton::clicked, this,
+            [this] { run([this] { form_.colapseClick(); }); });
+    connect(onlymenus_, &QPushButton::clicked, this,
+            [this] { run([this] { form_.onlymenusClick(); }); });
+    connect(quit_, &QPushButton::clicked, this, [this] { run([this] { form_.quitClick(); }); });
+
+    // Typing into a header field only changes the form's copy of it.
+    const auto follow = [this](QLineEdit* edit, TextBox& field) {
+        connect(edit, &QLineEdit::textEdited, this, [this, &field](const QString& t) {
+            if (!syncing_) {
+                field.text = toCp1252(t);
+            }
+        });
+    };
+    follow(text2_, form_.Text2);
+    follow(text3_, form_.Text3);
+    follow(datadir_, form_.Datadir);
+    follow(imagedir_, form_.Imagedir);
+    connect(combo2_, &QComboBox::editTextChanged, this, [this](const QString& t) {
+        if (!syncing_) {
+            form_.Combo2.text = toCp1252(t);
+        }
+    });
+    connect(combo3_, &QComboBox::editTextChanged, this, [this](const QString& t) {
+        if (!syncing_) {
+            form_.Combo3.text = toCp1252(t);
+        }
+    });
+}
+
+void MainWindow::buildMenus() {
+    const auto makeMenu = [this](const char* name) {
+        auto* m = new QMenu(this);
+        m->setObjectName(QString::fromLatin1(name));
+        return m;
+    };
+    const auto entry = [](QMenu* menu, const char* name) {
+        QAction* a = menu->addAction(QString::fromLatin1(name));
+        a->setObjectName(QString::fromLatin1(name));
+    };
+    menu1_ = makeMenu("Menu1");
+    entry(menu1_, "addsub");
+    menu2_ = makeMenu("Menu2");
+    entry(menu2_, "addabove1");
+    menu2_->addSeparator();
+    entry(menu2_, "remove1");
+    menu3_ = makeMenu("menu3");
+    entry(menu3_, "addabove2");
+    entry(menu3_, "addbelow2");
+    menu3_->addSeparator();
+    entry(menu3_, "remove2");
+    entry(menu3_, "removechilden");
+    menu3_->addSeparator();
+    entry(menu3_, "addimage");
+}
+
+void MainWindow::connectGrid() {
+    table_->beforePress = [this](QMouseEvent*) {
+        // The edit is taken over before the click moves the current cell.
+        if (form_.Text1.visible) {
+            run([this] { form_.commitText(); });
+        }
+    };
+    table_->afterPress = [this](QMouseEvent* e) {
+        const int button = buttonCode(e->button());
+        run([this, button] { form_.tableMouseDown(button); });
+    };
+    table_->clicked = [this](QMouseEvent*) { run([this] { form_.tableClick(); }); };
+    table_->doubleClicked = [this](QMouseEvent*) { run([this] { form_.tableDblClick(); }); };
+    table_->keyTyped = [this](QKeyEvent* e) {
+        int code = keyAscii(*e);
+        if (code < 0) {
+            return false;  // navigation keys move the current cell
+        }
+        run([this, &code] { form_.tableKeyPress(code); });
+        return true;
+    };
+    table_->focusGained = [this](QFocusEvent* e) {
+        if (!syncing_ && handlerDepth_ == 0 && form_.Text1.visible &&
+            formFocusReason(e->reason())) {
+            run([this] { form_.commitText(); });
+        }
+    };
+    table_->controlDropped = [this](const QString& control, int viewRow) {
+        const std::string name = toCp1252(control);
+        run([this, &name, viewRow] { form_.tableDragDrop(name, viewRow + 1); });
+    };
+
+    connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) {
+                // While a handler runs the view only echoes the form; sync() sets it after.
+                if (syncing_ || handlerDepth_ > 0 || !current.isValid()) {
+                    return;
+                }
+                if (form_.Text1.visible) {
+                    run([this] { form_.commitText(); });
+                }
+                form_.Table.setRow(current.row() + 1);
+                form_.Table.setCol(current.column());
+            });
+    connect(table_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
+        if (syncing_ || handlerDepth_ > 0) {
+            return;
+        }
+        form_.Table.setTopRow(value + 1);
+        shownTopRow_ = form_.Table.topRow();
+    });
+    // Scrolling moves the editors with the viewport; a column or row changing size does not.
+    connect(table_->horizontalHeader(), &QHeaderView::sectionResized, this,
+            [this] { placeOverlays(); });
+    connect(table_->verticalHeader(), &QHeaderView::sectionResized, this,
+            [this] { placeOverlays(); });
+    connect(gridModel_, &QAbstractItemModel::modelReset, this, [this] {
+        // A reset forgets the scroll position; the next sync() puts the form's back.
+        shownTopRow_ = -1;
+    });
+
+    connect(text1_, &QLineEdit::textEdited, this, [this](const QString& t) {
+        if (!syncing_) {
+            text1Edited(t);
+        }
+    });
+    const auto readCaret = [this] {
+        if (syncing_) {
+            return;
+        }
+        if (text1_->hasSelectedText()) {
+            form_.Text1.selStart = text1_->selectionStart();
+            form_.Text1.selLength = static_cast<int>(text1_->selectedText().size());
+        } else {
+            form_.Text1.selStart = text1_->cursorPosition();
+            form_.Text1.selLength = 0;
+        }
+    };
+    connect(text1_, &QLineEdit::cursorPositionChanged, this, readCaret);
+    connect(text1_, &QLineEdit::selectionChanged, this, readCaret);
+
+    connect(combo1_, &QComboBox::activated, this, [this](int index) {
+        if (syncing_) {
+            return;
+        }
+        const std::string text = toCp1252(combo1_->itemText(index));
+        run([this, &text] { form_.combo1Click(text); });
+    });
+}
+
+void MainWindow::connectTree() {
+    tree_->keyOf = [this](const QModelIndex& index) {
+        const NodeRef n = treeModel_->node(index);
+        return n.isNull() ? std::string() : form_.Treeview.key(n);
+    };
+    tree_->pressed = [this](QMouseEvent* e) {
+        const int button = buttonCode(e->button());
+        const int shift = shiftCode(e->modifiers());
+        const double x = toTwipsX(tree_, e->position().x());
+        const double y = toTwipsY(tree_, e->position().y());
+        run([=, this] { form_.treeviewMouseDown(button, shift, x, y); });
+    };
+    tree_->nodeClicked = [this](const QModelIndex& index) {
+        const NodeRef n = treeModel_->node(index);
+        if (n.isNull()) {
+            return;
+        }
+        const std::string key = form_.Treeview.key(n);
+        run([this, &key] { form_.treeviewNodeClick(key); });
+    };
+    tree_->dragStarting = [this] {
+        if (!run([this] { form_.treeviewStartDrag(); })) {
+            return QString();
+        }
+        const NodeRef n = form_.treeSelected;
+        return form_.Treeview.alive(n) ? fromCp1252(form_.Treeview.key(n)) : QString();
+    };
+    tree_->draggedOver = [this](QPointF at) {
+        int effect = 0;
+        const double x = toTwipsX(tree_, at.x());
+        const double y = toTwipsY(tree_, at.y());
+        run([&, this] { effect = form_.treeviewDragOver(x, y); });
+        return effect;
+    };
+    tree_->dropped = [this](const QString& text, QPointF at) {
+        const std::string key = toCp1252(text);
+        const double x = toTwipsX(tree_, at.x());
+        const double y = toTwipsY(tree_, at.y());
+        run([&, this] { form_.treeviewDragDrop(key, x, y); });
+    };
+
+    connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) {
+                if (syncing_ || handlerDepth_ > 0) {
+                    return;
+                }
+                form_.treeSelected = treeModel_->node(current);
+            });
+    const auto userExpands = [this](const QModelIndex& index, bool expanded) {
+        if (syncing_ || handlerDepth_ > 0) {
+            return;
+        }
+        const NodeRef n = treeModel_->node(index);
+        if (!n.isNull()) {
+            form_.Treeview.setExpanded(n, expanded);
+        }
+    };
+    connect(tree_, &QTreeView::expanded, this,
+            [userExpands](const QModelIndex& index) { userExpands(index, true); });
+    connect(tree_, &QTreeView::collapsed, this,
+            [userExpands](const QModelIndex& index) { userExpands(index, false); });
+
+    connect(treeModel_, &TreeModel::expandedChanged, this,
+            [this](const QModelIndex& index, bool expanded) {
+                const bool was = syncing_;
+                syncing_ = true;
+                tree_->setExpanded(index, expanded);
+                syncing_ = was;
+            });
+    connect(treeModel_, &TreeModel::ensureVisible, this,
+            [this](const QModelIndex& index) { tree_->scrollTo(index); });
+    connect(treeModel_, &TreeModel::expansionNeedsRefresh, this,
+            [this](const QModelIndex& below) { refreshExpansion(below); });
+    connect(treeModel_, &TreeModel::labelEdited, this,
+            [this](const QModelIndex& index, const QString& text) {
+                const NodeRef n = treeModel_->node(index);
+                if (n.isNull()) {
+                    return;
+                }
+                const std::string label = toCp1252(text);
+                const std::string before = form_.Treeview.text(n);
+                form_.treeSelected = n;
+                if (!run([this, &label] { form_.treeviewAfterLabelEdit(label); })) {
+                    return;
+                }
+                // The tree takes the new label once the event is done, unless the handler
+                // gave the node a label of its own.
+                if (form_.Treeview.alive(n) && form_.Treeview.text(n) == before) {
+                    form_.Treeview.setText(n, label);
+                }
+            });
+}
+
+void MainWindow::refreshExpansion(const QModelIndex& below) {
+    const bool was = syncing_;
+    syncing_ = true;
+    std::vector<NodeRef> pending;
+    if (below.isValid()) {
+        pending.push_back(treeModel_->node(below));
+    } else {
+        for (int i = 0; i < form_.Treeview.childCount({}); ++i) {
+            pending.push_back(form_.Treeview.childAt({}, i));
+        }
+    }
+    while (!pending.empty()) {
+        const NodeRef n = pending.back();
+        pending.pop_back();
+        if (n.isNull()) {
+            continue;
+        }
+        const int children = form_.Treeview.childCount(n);
+        const bool wanted = form_.Treeview.expanded(n);
+        const QModelIndex at = treeModel_->indexOf(n);
+        if (tree_->isExpanded(at) != wanted) {
+            tree_->setExpanded(at, wanted);
+        }
+        for (int i = 0; i < children; ++i) {
+            pending.push_back(form_.Treeview.childAt(n, i));
+        }
+    }
+    syncing_ = was;
+}
+
+void MainWindow::rebuildToolbar() {
+    const QList<QAction*> old = toolbar_->actions();
+    toolbar_->clear();
+    qDeleteAll(old);
+
+    const int icon = std::max(16, toPixelsY(this, form_.toolbarButtonSize) - 8);
+    toolbar_->setIconSize(QSize(icon, icon));
+    for (const ToolbarButton& b : form_.toolbar) {
+        const QString key = fromCp1252(b.key);
+        const QString tip = fromCp1252(b.tooltip);
+        QAction* action = nullptr;
+        switch (b.style) {
+            case ToolbarButton::Style::Separator:
+                action = toolbar_->addSeparator();
+                break;
+            case ToolbarButton::Style::Placeholder: {
+                // Room on the toolbar, empty but for its tooltip.
+                auto* room = new QWidget;
+                room->setObjectName(key);
+                room->setFixedWidth(toPixelsX(this, b.widthTwips));
+                room->setToolTip(tip);
+                action = toolbar_->addWidget(room);
+                break;
+            }
+            case ToolbarButton::Style::Normal: {
+                action = new QAction(icons::toolbar(fromCp1252(b.image)), tip, toolbar_);
+                toolbar_->addAction(action);
+                const std::string handlerKey = b.key;
+                connect(action, &QAction::triggered, this,
+                        [this, handlerKey] { run([&] { form_.toolbarClick(handlerKey); }); });
+                if (QWidget* button = toolbar_->widgetForAction(action)) {
+                    button->setObjectName(key);
+                }
+                break;
+            }
+        }
+        action->setObjectName(key);
+        action->setData(key);
+        action->setToolTip(tip);
+        action->setStatusTip(fromCp1252(b.description));
+    }
+    shownToolbar_ = form_.toolbar;
+}
+
+void MainWindow::sizeColumns() {
+    // Widths follow the grid's font: runs of the letter "n".
+    const QFontMetrics metrics(table_->font());
+    int total = 0;
+    for (int c = 0; c < Grid::kCols; ++c) {
+        const int letters = Form1::kColumnLetters[c];
+        if (letters == 0) {
+            table_->setColumnHidden(c, true);
+            continue;
+        }
+        const int width = metrics.horizontalAdvance(QString(letters, QLatin1Char('n')));
+        table_->setColumnHidden(c, false);
+        table_->setColumnWidth(c, width);
+        total += width;
+    }
+    // Just wide enough for the visible columns and a margin.
+    table_->setMinimumWidth(total + toPixelsX(this, Form1::kTableMargin) +
+                            table_->verticalScrollBar()->sizeHint().width() +
+                            2 * table_->frameWidth());
+    table_->setMinimumHeight(toPixelsY(this, Form1::kTableHeight));
+}
+
+// ---- Handlers --------------------------------------------------------------------------------
+
+void MainWindow::load() {
+    run([this] { form_.load(); });
+    // A first size with room for the grid's columns, a tree beside them and many lines.
+    const QRect screen = this->screen()->availableGeometry();
+    const QSize hint = sizeHint();
+    resize(std::min(screen.width(), std::max(hint.width(), table_->minimumWidth() + 360)),
+           std::min(screen.height(), std::max(hint.height(), screen.height() * 3 / 4)));
+}
+
+bool MainWindow::run(const std::function<void()>& handler) {
+    if (ended_) {
+        return false;
+    }
+    struct Depth {
+        int& n;
+        explicit Depth(int& c) : n(c) { ++n; }
+        ~Depth() { --n; }
+    };
+    try {
+        Depth depth(handlerDepth_);
+        handler();
+    } catch (const RuntimeError& e) {
+        fail(e.number(), e.description());
+        return false;
+    } catch (const std::bad_alloc&) {
+        fail(7, "Out of memory");
+        return false;
+    } catch (const std::exception& e) {
+        qCritical("vkleditor: unexpected error in a handler: %s", e.what());
+        fail(51, "Internal error");
+        return false;
+    }
+    if (!ended_) {
+        sync();
+    }
+    return true;
+}
+
+void MainWindow::fail(int number, const std::string& description) {
+    ended_ = true;
+    timer1_->stop();
+    MessageBox box;
+    box.prompt = RuntimeError(number, description).message();
+    form_.host.msgBox(box);
+    form_.host.endProgram();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    // Closing by the frame ends the program without a question; nothing is saved.
+    event->accept();
+    if (!ended_) {
+        ended_ = true;
+        timer1_->stop();
+        form_.host.endProgram();
+    }
+}
+
+void MainWindow::text1Edited(const QString& shown) {
+    const std::string text = toCp1252(shown);
+    form_.Text1.text = text;
+    form_.Text1.selStart = text1_->cursorPosition();
+    form_.Text1.selLength = 0;
+    run([this, &text] { form_.text1Change(text); });
+}
+
+bool MainWindow::filterKey(QWidget* field, QKeyEvent* event,
+                           const std::function<void(int&)>& handler) {
+    int code = keyAscii(*event);
+    if (code < 0) {
+        return false;
+    }
+    const int typed = code;
+    // A key typed into a field goes no further, even when the field ignores it (a text box
+    // passes Enter on to its parent, which for Text1 is the grid).
+    event->accept();
+    if (!run([&] { handler(code); })) {
+        return true;
+    }
+    if (code == typed) {
+        static_cast<QObject*>(field)->event(event);
+        event->accept();
+        return true;
+    }
+    if (code == 0) {
+        return true;  // the handler swallowed the key
+    }
+    // The handler asked for another key than the one typed.
+    auto* edit = qobject_cast<QLineEdit*>(field);
+    if (auto* combo = qobject_cast<QComboBox*>(field)) {
+        edit = combo->lineEdit();
+    }
+    if (edit && edit->isVisible()) {
+        if (code == 8) {
+            edit->backspace();
+        } else if (code >= 32 && code <= 255) {
+            edit->insert(fromCp1252(std::string(1, static_cast<char>(code))));
+        }
+        if (edit == text1_ && toCp1252(text1_->text()) != form_.Text1.text) {
+            text1Edited(text1_->text());
+        }
+    }
+    return true;
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == text1_) {
+        switch (event->type()) {
+            case QEvent::KeyPress:
+                return filterKey(text1_, static_cast<QKeyEvent*>(event),
+                                 [this](int& k) { form_.text1KeyPress(k); });
+            case QEvent::MouseButtonRelease:
+                if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton && !syncing_) {
+                    // The box places the caret first; the click then selects all.
+                    static_cast<QObject*>(text1_)->event(event);
+                    run([this] { form_.text1Click(); });
+                    return true;
+                }
+                break;
+            case QEvent::FocusIn:
+            case QEvent::FocusOut:
+                if (!syncing_ && formFocusReason(static_cast<QFocusEvent*>(event)->reason())) {
+                    form_.Text1.hasFocus = event->type() == QEvent::FocusIn;
+                    shownText1Focus_ = form_.Text1.hasFocus;
+                }
+                break;
+            default:
+                break;
+        }
+    } else if (watched == combo1_) {
+        if (event->type() == QEvent::FocusOut && !syncing_ && handlerDepth_ == 0 &&
+            form_.Combo1.visible && formFocusReason(static_cast<QFocusEvent*>(event)->reason())) {
+            const std::string text = toCp1252(combo1_->currentText());
+            run([this, &text] { form_.combo1Click(text); });
+        }
+    } else if (watched == combo2_ || watched == combo3_) {
+        ComboBox& field = watched == combo2_ ? form_.Combo2 : form_.Combo3;
+        auto* combo = static_cast<QComboBox*>(watched);
+        if (event->type() == QEvent::KeyPress) {
+            return filterKey(combo, static_cast<QKeyEvent*>(event),
+                             [this](int& k) { form_.sizeFieldKeyPress(k); });
+        }
+        if (event->type() == QEvent::FocusOut && !syncing_ && handlerDepth_ == 0 &&
+            formFocusReason(static_cast<QFocusEvent*>(event)->reason())) {
+            run([this, &field] { form_.sizeFieldLeave(field); });
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+// ---- Showing the form's state ----------------------------------------------------------------
+
+void MainWindow::sync() {
+    if (ended_) {
+        return;
+    }
+    const bool was = syncing_;
+    syncing_ = true;
+    if (!sameToolbar(shownToolbar_, form_.toolbar)) {
+        rebuildToolbar();
+    }
+    syncCaptions();
+    syncHeaderFields();
+    syncCurrentCell();
+    syncText1();
+    syncCombo1();
+    placeOverlays();
+    syncTree();
+    syncTimer();
+    syncPreview();
+    syncing_ = was;
+}
+
+void MainWindow::syncCaptions() {
+    const Captions& c = form_.captions;
+    setLabel(label1_, c.label1);
+    setLabel(label2_, c.label2);
+    setLabel(label3_, c.label3);
+    setLabel(label4_, c.label4);
+    setCaption(askDatadir_, c.askDatadir);
+    setCaption(askImagedir_, c.askImagedir);
+    setCaption(expand_, c.expand);
+    setCaption(colapse_, c.colapse);
+    setCaption(onlymenus_, c.onlymenus);
+    setCaption(quit_, c.quit);
+    const std::pair<const char*, const std::string*> entries[] = {
+        {"addsub", &c.addsub},
+        {"addabove1", &c.addabove1},
+        {"remove1", &c.remove1},
+        {"addabove2", &c.addabove2},
+        {"addbelow2", &c.addbelow2},
+        {"remove2", &c.remove2},
+        {"removechilden", &c.removechilden},
+        {"addimage", &c.addimage},
+    };
+    for (const auto& [name, caption] : entries) {
+        if (auto* a = findChild<QAction*>(QString::fromLatin1(name))) {
+            a->setText(fromCp1252(*caption));
+        }
+    }
+}
+
+void MainWindow::syncHeaderFields() {
+    showField(text2_, form_.Text2);
+    showField(text3_, form_.Text3);
+    showField(datadir_, form_.Datadir);
+    showField(imagedir_, form_.Imagedir);
+    for (auto [combo, field] :
+         {std::pair{combo2_, &form_.Combo2}, std::pair{combo3_, &form_.Combo3}}) {
+        showItems(combo, field->items);
+        if (toCp1252(combo->currentText()) != field->text) {
+            combo->setEditText(fromCp1252(field->text));
+        }
+        if (combo->isHidden() == field->visible) {
+            combo->setVisible(field->visible);
+        }
+    }
+    // The label shows a file name, in the file system's own encoding.
+    const QString file = QFile::decodeName(QByteArray::fromStdString(form_.decfilename));
+    if (decfilename_->text() != file) {
+        decfilename_->setText(file);
+    }
+}
+
+void MainWindow::syncCurrentCell() {
+    const Grid& grid = form_.Table;
+    QModelIndex wanted;
+    if (grid.row() >= 1 && grid.row() - 1 < gridModel_->rowCount()) {
+        wanted = gridModel_->index(grid.row() - 1, grid.col());
+    }
+    if (table_->currentIndex() != wanted) {
+        table_->selectionModel()->setCurrentIndex(wanted, wanted.isValid()
+                                                              ? QItemSelectionModel::ClearAndSelect
+                                                              : QItemSelectionModel::Clear);
+    }
+    if (grid.topRow() != shownTopRow_) {
+        shownTopRow_ = grid.topRow();
+        table_->verticalScrollBar()->setValue(grid.topRow() - 1);
+    }
+}
+
+void MainWindow::syncText1() {
+    TextBox& box = form_.Text1;
+    // The grid takes the focus back before the box hides, so it does not pass to whatever
+    // follows the box.
+    const bool focusChanged = box.hasFocus != shownText1Focus_;
+    shownText1Focus_ = box.hasFocus;
+    if (focusChanged && !box.hasFocus) {
+        table_->setFocus(Qt::OtherFocusReason);
+    }
+    if (text1_->isHidden() == box.visible) {
+        text1_->setVisible(box.visible);
+    }
+    if (toCp1252(text1_->text()) != box.text) {
+        text1_->setText(fromCp1252(box.text));
+    }
+    // A caret past the end of the text stands at the end, and reads back so.
+    const int length = static_cast<int>(text1_->text().size());
+    const int start = std::clamp(box.selStart, 0, length);
+    const int selected = std::clamp(box.selLength, 0, length - start);
+    const int shownStart =
+        text1_->hasSelectedText() ? text1_->selectionStart() : text1_->cursorPosition();
+    const int shownSelected =
+        text1_->hasSelectedText() ? static_cast<int>(text1_->selectedText().size()) : 0;
+    if (shownStart != start || shownSelected != selected) {
+        if (selected > 0) {
+            text1_->setSelection(start, selected);
+        } else {
+            text1_->deselect();
+            text1_->setCursorPosition(start);
+        }
+    }
+    box.selStart = start;
+    box.selLength = selected;
+    if (focusChanged && box.hasFocus && box.visible) {
+        text1_->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+void MainWindow::syncCombo1() {
+    const ComboBox& box = form_.Combo1;
+    showItems(combo1_, box.items);
+    const int index = combo1_->findText(fromCp1252(box.text));
+    if (combo1_->currentIndex() != index) {
+        combo1_->setCurrentIndex(index);
+    }
+    if (combo1_->isHidden() == box.visible) {
+        combo1_->setVisible(box.visible);
+    }
+}
+
+QRect MainWindow::cellRect(int gridRow, int gridCol) const {
+    if (gridRow < 1 || gridRow - 1 >= gridModel_->rowCount() || gridCol < 0 ||
+        gridCol >= Grid::kCols) {
+        return {};
+    }
+    return table_->visualRect(gridModel_->index(gridRow - 1, gridCol));
+}
+
+void MainWindow::placeOverlays() {
+    const QRect cell = cellRect(form_.editRow, form_.editCol);
+    if (!cell.isValid()) {
+        return;
+    }
+    if (text1_->isVisible() && text1_->geometry() != cell) {
+        text1_->setGeometry(cell);
+    }
+    if (combo1_->isVisible() && combo1_->geometry() != cell) {
+        combo1_->setGeometry(cell);
+    }
+}
+
+void MainWindow::syncTree() {
+    const NodeRef highlight =
+        form_.Treeview.alive(form_.treeDropHighlight) ? form_.treeDropHighlight : NodeRef{};
+    treeModel_->setDropHighlight(highlight);
+    const QModelIndex wanted = treeModel_->indexOf(form_.treeSelected);
+    if (tree_->currentIndex() != wanted) {
+        tree_->selectionModel()->setCurrentIndex(wanted, wanted.isValid()
+                                                             ? QItemSelectionModel::ClearAndSelect
+                                                             : QItemSelectionModel::Clear);
+    }
+}
+
+void MainWindow::syncTimer() {
+    const int interval = std::max(0, form_.Timer1.interval);
+    if (timer1_->interval() != interval) {
+        timer1_->setInterval(interval);
+    }
+    // A timer without an interval does not tick.
+    const bool running = form_.Timer1.enabled && interval > 0;
+    if (running && !timer1_->isActive()) {
+        timer1_->start();
+    } else if (!running && timer1_->isActive()) {
+        timer1_->stop();
+    }
+}
+
+void MainWindow::syncPreview() {
+    const PreviewState& state = form_.preview;
+    if (state.created && !preview_) {
+        preview_ = new PreviewWindow(this, QSize(toPixelsX(this, 850), toPixelsY(this, 500)));
+        preview_->onClosed = [this] { form_.preview.shown = false; };
+    }
+    if (!preview_) {
+        return;
+    }
+    if (state.shown) {
+        preview_->showPicture(QFile::decodeName(QByteArray::fromStdString(state.picture)),
+                              QSize(state.pictureWidth, state.pictureHeight));
+    } else if (preview_->isVisible()) {
+        preview_->hide();
+    }
+}
+
+}  // namespace vkl::gui

@@ -1,0 +1,65 @@
+// The editor as Brindlemark starts it: "vkleditor <unused>|<install directory>|<language code>".
+#include <QApplication>
+#include <QFile>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/CommandLine.h"
+#include "app/Form1.h"
+#include "gui/MainWindow.h"
+#include "gui/QtHost.h"
+#include "gui/SingleInstance.h"
+#include "platform/RuntimeError.h"
+
+namespace {
+
+void tell(vkl::Host& host, std::string prompt) {
+    vkl::MessageBox box;
+    box.prompt = std::move(prompt);
+    host.msgBox(box);
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    // The command line as the host passed it, taken before Qt removes the options it knows.
+    const std::string commandLine =
+        vkl::startup::joinArguments(std::vector<std::string>(argv + 1, argv + argc));
+
+    // The application keeps the executable's name: the lock file records it, and a later copy
+    // takes the lock as stale when the process it names runs under another name.
+    QApplication app(argc, argv);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+
+    vkl::gui::QtHost host;
+    vkl::gui::SingleInstance instance;
+    if (!instance.acquire()) {
+        tell(host, vkl::startup::alreadyRunningMessage());
+        return 1;
+    }
+
+    std::optional<vkl::startup::CommandLine> fields;
+    try {
+        fields = vkl::startup::parseCommandLine(commandLine);
+    } catch (const vkl::RuntimeError& e) {
+        tell(host, e.message());
+        return 1;
+    }
+    if (!fields) {
+        tell(host, std::string(vkl::startup::kWrongArguments));
+        return 1;
+    }
+
+    vkl::Form1 form(host, fields->installDir, fields->languageCode,
+                    QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString());
+    vkl::gui::MainWindow window(form);
+    host.setWindow(&window);
+    window.load();
+    if (host.ended()) {
+        return 0;
+    }
+    window.show();
+    return app.exec();
+}

@@ -1,0 +1,125 @@
+#include "tree/Derivation.h"
+
+#include <algorithm>
+
+#include "platform/Int16.h"
+#include "platform/NodeKeys.h"
+#include "platform/Text.h"
+
+namespace vkl::tree {
+
+namespace {
+
+// Holds off the views' per-node notices while many nodes change; one reset instead.
+class BulkNodes {
+  public:
+    explicit BulkNodes(TreeNodes& nodes) : nodes_(nodes) { nodes_.beginBulk(); }
+    ~BulkNodes() { nodes_.endBulk(); }
+    BulkNodes(const BulkNodes&) = delete;
+    BulkNodes& operator=(const BulkNodes&) = delete;
+
+  private:
+    TreeNodes& nodes_;
+};
+
+constexpr std::string_view kPlaceholderEn = "[New Item]";
+constexpr std::string_view kPlaceholderDe = "[Neue Zeile]";
+
+NodeRef addRoot(TreeNodes& nodes) {
+    return nodes.add(NodeRef{}, TreeNodes::kChild, std::string(keys::kRoot),
+                     std::string(keys::kRootText), std::string(kRootImage));
+}
+
+}  // namespace
+
+NodeRef levelParent(const TreeNodes& nodes, const TreeState& state, NodeRef root, int level) {
+    const int known = static_cast<int>(state.levelNodes.size()) - 1;
+    for (int l = std::min(level - 1, known); l >= 1; --l) {
+        const NodeRef candidate = state.levelNodes[static_cast<size_t>(l)];
+        if (nodes.alive(candidate)) {
+            return candidate;
+        }
+    }
+    return nodes.alive(root) ? root : NodeRef{};
+}
+
+void LevelDerivation::begin() {
+    nodes_.clear();
+    root_ = addRoot(nodes_);
+    state_.resetBitmapList();
+}
+
+NodeRef LevelDerivation::parentFor(int16_t level) {
+    state_.currentLevel = level;
+    if (level > state_.deepestLevel) {
+        state_.deepestLevel = level;
+    }
+    // Others may have cut the array shorter than the deepest level; never index past it.
+    state_.growLevels(std::max<int>(level, state_.deepestLevel));
+    if (!nodes_.alive(root_)) {
+        root_ = nodes_.find(std::string(keys::kRoot));
+    }
+    return levelParent(nodes_, state_, root_, level);
+}
+
+NodeRef LevelDerivation::place(int16_t level, NodeRef node) {
+    state_.levelNodes[static_cast<size_t>(level)] = node;
+    if (level > 1) {
+        nodes_.ensureVisible(node);
+    }
+    return node;
+}
+
+NodeRef LevelDerivation::submenu(int16_t level, std::string title, std::string_view bitmapField) {
+    const int16_t serial = add16(state_.nodeSerial, 1);
+    state_.nodeSerial = serial;
+    const NodeRef parent = parentFor(level);
+    const NodeRef node = nodes_.add(parent, TreeNodes::kChild, keys::folder(serial),
+                                    std::move(title), std::string(kFolderImage));
+    place(level, node);
+    std::string bitmap = text::trim(bitmapField);
+    if (!bitmap.empty()) {
+        if (state_.submenuBitmaps.size() <= static_cast<size_t>(serial)) {
+            state_.submenuBitmaps.resize(static_cast<size_t>(serial) + 1);
+        }
+        state_.submenuBitmaps[static_cast<size_t>(serial)] = std::move(bitmap);
+        state_.highestBitmapSerial = std::max(state_.highestBitmapSerial, serial);
+    }
+    return node;
+}
+
+NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleField) {
+    const NodeRef parent = parentFor(level);
+    const NodeRef node =
+        nodes_.add(parent, TreeNodes::kChild, keys::item(row), text::upper(titleField));
+    return place(level, node);
+}
+
+void LevelDerivation::end() {
+    if (state_.levelNodes.size() > 1 && nodes_.alive(state_.levelNodes[1])) {
+        nodes_.ensureVisible(state_.levelNodes[1]);
+    }
+}
+
+bool deriveFlat(const Grid& grid, TreeNodes& nodes, TreeState& state, int16_t languageCode) {
+    if (nodes.count() > 0) {
+        return false;
+    }
+    BulkNodes bulk(nodes);
+    nodes.clear();
+    state.resetBitmapList();
+    const NodeRef root = addRoot(nodes);
+    for (int r = 1; r < grid.rows(); ++r) {
+        std::string title = grid.textMatrix(r, 1);
+        if (title.empty()) {
+            // The placeholder is chosen and then replaced: an empty title shows as one blank.
+            title = languageCode == 1 ? kPlaceholderEn : kPlaceholderDe;
+            title.assign(1, ' ');
+        }
+        nodes.add(root, TreeNodes::kChild, keys::item(r), std::move(title));
+    }
+    nodes.setExpanded(root, true);
+    return true;
+}
+
+}  // namespace vkl::tree

@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "app/Form1.h"
+#include "core/FileTestSupport.h"
+#include "menufile/Format.h"
+#include "support/ScriptedHost.h"
+
+namespace vkl {
+namespace {
+
+namespace fs = std::filesystem;
+using test::readBytes;
+using test::ScriptedHost;
+
+struct FileFlows : ::testing::Test {
+    test::TempDir dir;
+    ScriptedHost host;
+    Form1 form{host, "C:\\install", 1};
+    std::string menus = dir.file("menus") + "/";
+    std::string example = menus + "example.vkl";
+    std::string lastFolderFile = dir.file("ZOVDEF2.txt");
+
+    void SetUp() override {
+        host.temp = dir.dir();
+        fs::create_directory(menus);
+        fs::copy_file(std::string(VKL_TEST_DATA) + "/example.vkl", example);
+    }
+    void open(const std::string& path) {
+        host.openAnswers.push_back(ScriptedHost::pick(path));
+        form.openFlow();
+    }
+    void cancelOpen() {
+        host.openAnswers.push_back(ChosenFile{});
+        form.openFlow();
+    }
+    std::string shape() const { return test::shape(form.Treeview); }
+};
+
+TEST_F(FileFlows, OpenRemembersTheFolderInTheTemporaryFolder) {
+    open(example);
+    const FileDialog& d = host.openRequests.at(0);
+    EXPECT_EQ(d.filter + "/" + std::to_string(d.filterIndex) + "/" + d.initialDir,
+              "All Files (*.*)|*.*|VKL Files (*.vkl)|*.vkl/2/");
+    EXPECT_EQ(form.decfilename, example);
+    EXPECT_EQ(readBytes(lastFolderFile), menus + "\r\n");
+    EXPECT_EQ(shape(), "Menu0{Menu1{Child1 Child2} Child3}");
+    EXPECT_EQ(form.Datadir.text, "C:\\data");
+    EXPECT_TRUE(host.messages.empty());
+
+    // The next open starts there; cancelled, it changes nothing and asks nothing.
+    cancelOpen();
+    EXPECT_EQ(host.openRequests[1].initialDir, menus);
+    EXPECT_EQ(form.Table.rows(), 4);
+    EXPECT_TRUE(host.messages.empty());
+
+    // The delimited read cuts at a comma, unless the text is quoted.
+    test::writeBytes(lastFolderFile, "  /with,comma/\r\n");
+    cancelOpen();
+    EXPECT_EQ(host.openRequests[2].initialDir, "/with");
+    test::writeBytes(lastFolderFile, "\"/quoted, too/\"\r\n");
+    cancelOpen();
+    EXPECT_EQ(host.openRequests[3].initialDir, "/quoted, too/");
+
+    // Without a temporary folder the file is neither read nor written.
+    fs::remove(lastFolderFile);
+    host.temp.reset();
+    host.answers.push_back(Answer::No);
+    open(example);
+    EXPECT_EQ(host.openRequests[4].initialDir, "");
+    EXPECT_FALSE(fs::exists(lastFolderFile));
+}
+
+TEST_F(FileFlows, AppendQuestionDecidesBetweenAppendAndOverwrite) {
+    // Text in row 1 only: no question, the file replaces the table, the serial goes on.
+    form.Table.setRows(3);
+    form.Table.setTextMatrix(1, 1, "mine");
+    form.tree.nodeSerial = 5;
+    open(example);
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_EQ(form.Table.rows(), 4);
+    EXPECT_EQ(shape(), "Menu0{Menu6{Child1 Child2} Child3}");
+
+    // Yes appends: the last row with text (in any column) gives way to the first line read.
+    for (int c = 1; c < 6; ++c) {
+        form.Table.setTextMatrix(3, c, "");
+    }
+    host.answers.push_back(Answer::Yes);
+    open(example);
+    ASSERT_EQ(host.messages.size(), 1u);
+    const MessageBox& ask = host.messages[0];
+    EXPECT_EQ(ask.prompt, "Table has already data inside ! \rDo you want to append to the end !");
+    EXPECT_EQ(ask.title, "Overwrite or append ?");
+    EXPECT_TRUE(ask.buttons == Buttons::YesNo && ask.questionIcon && ask.defaultNo);
+    EXPECT_EQ(form.Table.rows(), 6);
+    EXPECT_EQ(form.Table.textMatrix(2, 1), "Library");
+    EXPECT_EQ(form.Table.textMatrix(3, 1), "Through hole");
+    EXPECT_EQ(shape(), "Menu0{Menu7{Child3 Child4} Child5}");
+
+    // No overwrites and numbers the folders from 1 again; German asks in German.
+    form.languageCode = 2;
+    host.answers.push_back(Answer::No);
+    open(example);
+    EXPECT_EQ(host.messages[1].prompt,
+              "Tabelle beinhaltet Daten !\rMoechten Sie neue Daten hinten einfuegen ? ");
+    EXPECT_EQ(host.messages[1].title, "Daten einfuegen ?");
+    EXPECT_EQ(form.Table.rows(), 4);
+    EXPECT_EQ(shape(), "Menu0{Menu1{Child1 Child2} Child3}");
+}
+
+TEST_F(FileFlows, SaveChecksDerivesAFlatTreeAndWrites) {
+    form.saveFlow();
+    EXPECT_TRUE(host.saveRequests.empty());
+    EXPECT_EQ(host.messages.size(), 1u);  // the check's refusal
+
+    form.Table.setRows(3);
+    for (int r : {1, 2}) {
+        form.Table.setTextMatrix(r, 1, r == 1 ? "Typed" : "  Second");
+        form.Table.setTextMatrix(r, 3, "F");
+        form.Table.setTextMatrix(r, 4, "p" + std::to_string(r));
+    }
+    host.saveAnswers.push_back(ChosenFile{});
+    form.saveFlow();
+    const FileDialog& d = host.saveRequests.at(0);
+    EXPECT_TRUE(d.filter == format::kMenuFileFilter && d.filterIndex == 2 && d.overwritePrompt);
+    EXPECT_EQ(form.decfilename, "");
+    EXPECT_EQ(shape(), "Menu0{Child1 Child2}");  // derived before the dialog
+
+    host.saveAnswers.push_back(ScriptedHost::pick(dir.file("typed.vkl")));
+    form.saveFlow();
+    EXPECT_EQ(form.decfilename, dir.file("typed.vkl"));
+    EXPECT_EQ(test::linesFrom(dir.file("typed.vkl")), "Typed||F|p1\n  Second||F|p2\n");
+}
+
+TEST_F(FileFlows, ExampleMenuSavedAgainReproducesItsLines) {
+    open(example);
+    form.Text3.text = "Drilling tools";
+    form.Text2.text = "Drill menu";
+    host.saveAnswers.push_back(ScriptedHost::pick(dir.file("saved.vkl")));
+    form.saveFlow();
+    EXPECT_EQ(test::linesFrom(dir.file("saved.vkl"), 14),
+              "1124165 # this is a unique library name - not visible for user\n"
+              "Drilling tools # 1. text in the [About] box\n"
+              "Powered by Loomvault  # 2.text\n" +
+                  std::string(format::kWebAddress) +
+                  "\nAll rights reserved\nDrill menu\n24\n24\n10\n10\n11\n11\n"
+                  "SHORTCUT|datadir|C:\\data\nSHORTCUT|C:\\data|C:\\data\n"
+                  "Holes|hole.bmp|S|Holes\n THROUGH HOLE|th.bmp|F|make_hole\n"
+                  " LIBRARY|lib.bmp|LOS|C:\\pkg\\holes.pkg\nABOUT|info.bmp|D|about_dialog\n");
+    EXPECT_TRUE(host.messages.empty());
+}
+
+// Looks at the text box while the folder browser is up.
+struct BrowsingHost : ScriptedHost {
+    const TextBox* box = nullptr;
+    std::vector<bool> enabledWhileBrowsing;
+    std::string browseForFolder(const std::string& title) override {
+        enabledWhileBrowsing.push_back(box->enabled);
+        return ScriptedHost::browseForFolder(title);
+    }
+};
+
+TEST(FileFolderChoosers, BrowserFillsTheBoxOrKeepsItsText) {
+    BrowsingHost host;
+    Form1 form(host, "", 1);
+    for (TextBox* box : {&form.Datadir, &form.Imagedir}) {
+        host.box = box;
+        box->text = "old";
+        box->enabled = false;
+        host.folderAnswers = {std::string("C:\\chosen\0rest", 14), ""};
+        for (int i = 0; i < 2; ++i) {
+            box == &form.Datadir ? form.askDatadirClick() : form.askImagedirClick();
+            EXPECT_EQ(box->text, "C:\\chosen");  // a cancelled browser keeps the text
+            EXPECT_FALSE(box->enabled);
+        }
+    }
+    EXPECT_EQ(host.enabledWhileBrowsing, std::vector<bool>(4, true));
+    EXPECT_EQ(host.browseTitles, std::vector<std::string>(4, "Please select a folder"));
+}
+
+}  // namespace
+}  // namespace vkl

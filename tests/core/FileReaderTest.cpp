@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <random>
+
+#include "core/FileTestSupport.h"
+
+namespace vkl {
+namespace {
+
+using test::crlf;
+using test::errorOf;
+using test::menuFile;
+using test::Model;
+
+const std::string kData = VKL_TEST_DATA;
+
+// Records what the reader tells a listener, one line per event.
+struct Recorder : menufile::ReadDiagnostics {
+    std::string events;
+    void add(const std::string& what, long line, std::string_view text) {
+        events += what + "@" + std::to_string(line) + ":" + std::string(text) + "\n";
+    }
+    void headerLine(int position, long line, std::string_view text) override {
+        add("H" + std::to_string(position), line, text);
+    }
+    void headerEnded(long line, bool complete) override { add(complete ? "end" : "cut", line, ""); }
+    void skippedLine(long line, std::string_view text, std::string_view reason) override {
+        add(std::string(reason), line, text);
+    }
+    void fatalLine(long line, std::string_view text, const RuntimeError& e) override {
+        add("error " + std::to_string(e.number()), line, text);
+    }
+};
+
+TEST(FileReader, HeaderTakesFourPositionsCountingDataLinesOnly) {
+    Model m;
+    Recorder rec;
+    m.read(crlf({"# c", "", "lib", "  # comment", " About | bar # 1. text ", "p3", "p4", "", "p5",
+                 " Title ", "32", "24", "p9", "p10", "p11", "p12", "I|a.bmp|F|f"}),
+           1, &rec);
+    EXPECT_EQ(m.header(), "Title|About | bar # 1. text|32|24||");
+    EXPECT_EQ(m.rows(), "1|I|a.bmp|F|f|a.bmp|f\n");  // the line after position 12 is body
+    EXPECT_TRUE(rec.events.starts_with("H1@3:lib\nH2@5: About | bar # 1. text \nH3@6:p3\n"));
+    EXPECT_TRUE(rec.events.ends_with("H12@16:p12\nend@16:\n")) << rec.events;
+
+    // Fewer than twelve header lines: the menu lines are eaten as header lines.
+    m.readFile(kData + "/short_header.vkl");
+    EXPECT_EQ(m.rows() + m.shape(), "Menu0");
+    EXPECT_EQ(m.fields.combo2, "Other|b.bmp|F|g");
+    rec.events.clear();
+    m.read(crlf({"# only comments", "   "}), 1, &rec);
+    EXPECT_EQ(rec.events, "cut@2:\n");
+}
+
+TEST(FileReader, ShortcutLinesKeepTwoPairsAndAThirdRaisesError9) {
+    Model m;
+    m.read(menuFile({" ShortCut |DataDir|C:\\data", "SHORTCUT|bmpDIR|D:\\bmp|extra"}));
+    EXPECT_EQ(m.shortcuts.count, 2);
+    EXPECT_EQ(m.shortcuts.pairs[0], (std::array<std::string, 2>{"DataDir", "C:\\data"}));
+    EXPECT_EQ(m.header(), "Title|About|16|16|C:\\data|D:\\bmp");
+    // The writer's own form and a key with a blank are no keys; missing fields are stored empty.
+    Model w;
+    w.read(menuFile({"SHORTCUT|C:\\data|C:\\data", "SHORTCUT| datadir"}));
+    EXPECT_EQ(w.fields.datadir, "");
+    EXPECT_EQ(w.shortcuts.pairs[1], (std::array<std::string, 2>{" datadir", ""}));
+
+    Recorder rec;
+    const std::string third =
+        menuFile({"Before|b|F|f", "SHORTCUT|a|1", "SHORTCUT|b|2", "SHORTCUT|c|3", "After|a|F|g"});
+    EXPECT_EQ(errorOf([&] { m.read(third, 1, &rec); }), 9);
+    EXPECT_EQ(m.rows(), "1|Before|b|F|f|b|f\n");  // read up to the error, nothing after it
+    EXPECT_TRUE(rec.events.ends_with("error 9@17:SHORTCUT|c|3\n")) << rec.events;
+}
+
+TEST(FileReader, ItemLinesFillTheSevenColumns) {
+    Model m;
+    m.read(menuFile({"Plain |  |D|dlg", "NoBmp||F|make_hole", "Pkg|C:\\x/y.bmp|Los|C:/p/s\\p.pkg",
+                     "Path|a/b.bmp|P|C:\\t\\run.exe",
+                     "gr\xF6\xDF"
+                     "e \xE4nderung|b|F|f # tail",
+                     "\tTab|t|F|g"}));
+    EXPECT_EQ(m.rows(),
+              "1|Plain |  |D|dlg|  |dlg\n"
+              "2|NoBmp||F|make_hole||make_hole\n"
+              "3|Pkg|y.bmp|Los|p.pkg|C:\\x/y.bmp|C:/p/s\\p.pkg\n"
+              "4|Path|b.bmp|P|C:\\t\\run.exe|a/b.bmp|C:\\t\\run.exe\n"
+              "5|gr\xF6\xDF"
+              "e \xE4nderung|b|F|f # tail|b|f # tail\n"
+              "6|\tTab|t|F|g|t|g\n");
+    // Node texts are upper-cased in Windows-1252; a tab is no indentation and stays.
+    EXPECT_EQ(m.text("Child1") + m.text("Child5") + m.text("Child6"),
+              "PLAIN GR\xD6\xDF"
+              "E \xC4NDERUNG\tTAB");
+    EXPECT_EQ(m.shape(), "Menu0{Child1 Child2 Child3 Child4 Child5 Child6}");
+    for (int r = 1; r < m.grid.rows(); ++r) {
+        EXPECT_EQ(m.grid.backColorAt(r, 0), kNormalColor) << r;
+    }
+    EXPECT_EQ(m.grid.row(), 0);
+}
+
+TEST(FileReader, InvalidBodyLinesAreDroppedWithTheirReasons) {
+    Model m;
+    Recorder rec;
+    m.read(menuFile({"Three|a.bmp|F", "Five|a|F|p|q", " |a.bmp|F|p", "T|a.bmp|  |p", "T|a|F| ",
+                     "|||", "", "  # comment", "Kept||F|p"}),
+           1, &rec);
+    EXPECT_EQ(rec.events.substr(rec.events.find("end@13:\n") + 8),
+              "wrong number of fields@14:Three|a.bmp|F\n"
+              "wrong number of fields@15:Five|a|F|p|q\n"
+              "empty title@16: |a.bmp|F|p\n"
+              "empty action@17:T|a.bmp|  |p\n"
+              "empty parameter@18:T|a|F| \n"
+              "empty title@19:|||\n");
+    EXPECT_EQ(m.shape(), "Menu0{Child1}");
+}
+
+TEST(FileReader, TableIsCutToTheAppendStartRowFirst) {
+    Model m;
+    m.grid.setRows(5);
+    for (int r = 1; r < 5; ++r) {
+        m.grid.setTextMatrix(r, 1, "old");
+    }
+    m.read(menuFile({"New|n.bmp|F|f", "Next|x.bmp|F|g"}), 3);
+    EXPECT_EQ(m.rows(2), "|old|||||\n3|New|n.bmp|F|f|n.bmp|f\n4|Next|x.bmp|F|g|x.bmp|g\n");
+    EXPECT_EQ(m.shape(), "Menu0{Child3 Child4}");
+
+    // A missing file (or a folder): only the cut; tree, fields and pairs stay as they were.
+    test::TempDir dir;
+    m.shortcuts.count = 1;
+    EXPECT_FALSE(m.readFile(dir.file("absent.vkl"), 2).opened);
+    EXPECT_FALSE(m.readFile(dir.dir(), 2).opened);
+    EXPECT_EQ(m.grid.rows(), 2);
+    EXPECT_EQ(m.shape() + m.header(), "Menu0{Child3 Child4}Title|About|16|16||");
+    EXPECT_EQ(m.shortcuts.count, 1);
+}
+
+TEST(FileReader, SixteenBitLimitsRaiseOverflowAtTheLine) {
+    Model m;
+    Recorder rec;
+    m.grid.setRows(32767);
+    // Rows 32,766 and 32,767 fit; the line needing row 32,768 raises error 6.
+    EXPECT_EQ(errorOf([&] {
+                  m.read(menuFile({"A|a|F|f", "B|b|F|g", "C|c|F|h"}), 32766, &rec);
+              }),
+              6);
+    EXPECT_EQ(m.rows(32767), "32767|B|b|F|g|b|g\n");
+    EXPECT_TRUE(rec.events.ends_with("error 6@16:C|c|F|h\n")) << rec.events;
+    // Depth is 1 + leading blanks: 32,766 blanks fit, 32,767 overflow even on a blank line.
+    EXPECT_EQ(errorOf([&] { m.read(menuFile({std::string(32766, ' ') + "D|d|F|f"})); }), 0);
+    EXPECT_EQ(m.tree.deepestLevel, 32767);
+    EXPECT_EQ(errorOf([&] { m.read(menuFile({std::string(32767, ' ')})); }), 6);
+}
+
+std::vector<std::string> linesOf(menufile::LineReader& in) {
+    std::vector<std::string> lines;
+    while (!in.atEnd()) {
+        lines.emplace_back(in.readLine());
+    }
+    return lines;
+}
+
+TEST(FileReader, LinesEndAtCrLfLfOrLoneCrAlsoAcrossBlocks) {
+    menufile::LineReader mem(std::string_view("a\r\nb\nc\rd\r\r\ne\0f\r\n\r\n", 18));
+    EXPECT_EQ(linesOf(mem),
+              (std::vector<std::string>{"a", "b", "c", "d", "", std::string("e\0f", 3), ""}));
+    // Files are read in blocks of 64 KiB: line ends split between blocks, lines longer than a
+    // block and a last line without an end must give the lines the same bytes give in memory.
+    const size_t block = 1 << 16;
+    for (const std::string& bytes :
+         {std::string(block - 1, 'x') + "\r\nnext", std::string(block - 1, 'y') + "\rnext\r\n",
+          std::string(3 * block + 5, 'z') + "\nshort\r\n" + std::string(block, 'w'),
+          std::string(block, '\r')}) {
+        std::FILE* f = std::tmpfile();
+        ASSERT_NE(f, nullptr);
+        std::fwrite(bytes.data(), 1, bytes.size(), f);
+        std::rewind(f);
+        menufile::LineReader fromFile(f);
+        menufile::LineReader fromMemory(bytes);
+        EXPECT_EQ(linesOf(fromFile), linesOf(fromMemory));
+        EXPECT_EQ(fromFile.lineNumber(), fromMemory.lineNumber());
+        std::fclose(f);
+    }
+}
+
+TEST(FileReader, BadInputEndsNormallyOrWithANamedError) {
+    std::vector<std::string> inputs{
+        test::readBytes(kData + "/cr_only.vkl"),
+        test::readBytes(kData + "/lf_only.vkl"),
+        menuFile({std::string(1 << 20, 'q') + "|b|F|p"}),
+        menuFile({std::string(30000, ' ') + "Deep|d|F|p", std::string(30000, ' ') + "S|s|S|x"}),
+        "",
+        std::string("\0\0\0|\0|\0|\0\r\n", 11),
+        menuFile({"|", "||||||||", "SHORTCUT|", "s|s|s|s", " s| |S| "}),
+    };
+    std::mt19937 random(12345);
+    for (int i = 0; i < 40; ++i) {
+        std::string bytes(random() % 3000, '\0');
+        for (char& c : bytes) {  // mostly the bytes that steer the reader
+            c = random() % 8 < 5 ? "| \r\nSs#"[random() % 7] : static_cast<char>(random());
+        }
+        inputs.push_back(menuFile({}) + bytes);
+    }
+    std::vector<std::string> shapes;
+    for (size_t i = 0; i < inputs.size(); ++i) {
+        Model m;
+        const int err = errorOf([&] { m.read(inputs[i]); });
+        EXPECT_TRUE(err == 0 || err == 6 || err == 9) << "input " << i << " error " << err;
+        for (int r = 1; r < m.grid.rows(); ++r) {  // every row has its item node
+            EXPECT_FALSE(m.nodes.find("Child" + std::to_string(r)).isNull()) << i;
+        }
+        const size_t title = m.grid.rows() > 1 ? m.grid.textMatrix(1, 1).size() : 0;
+        shapes.push_back(m.shape() + " " + std::to_string(title));
+    }
+    // CR-only and LF-only line ends; a megabyte title; lines deeper than any node hang under
+    // the root.
+    EXPECT_EQ(std::vector<std::string>(shapes.begin(), shapes.begin() + 4),
+              (std::vector<std::string>{"Menu0{Menu1{Child1}} 8", "Menu0{Menu1{Child1 Child2}} 8",
+                                        "Menu0{Child1} 1048576", "Menu0{Child1 Menu1} 4"}));
+}
+
+}  // namespace
+}  // namespace vkl

@@ -1,0 +1,177 @@
+#pragma once
+
+// Shared by the menu-file tests: a model to read into, real files in a temporary folder, and
+// compact descriptions of tree and table.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include "menufile/Reader.h"
+#include "platform/RuntimeError.h"
+
+namespace vkl::test {
+
+// A folder of its own for one test, removed afterwards.
+class TempDir {
+  public:
+    TempDir() {
+        static std::atomic<int> n{0};
+        path_ = std::filesystem::temp_directory_path() /
+                ("vkl-file-test-" + std::to_string(::getpid()) + "-" + std::to_string(n++));
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directories(path_);
+    }
+    ~TempDir() {
+        std::error_code ec;
+        std::filesystem::remove_all(path_, ec);
+    }
+    std::string file(const std::string& name) const { return (path_ / name).string(); }
+    std::string dir() const { return path_.string() + "/"; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+inline void writeBytes(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+inline std::string readBytes(const std::string& path) {
+    std::ostringstream s;
+    s << std::ifstream(path, std::ios::binary).rdbuf();
+    return s.str();
+}
+
+// Splits written bytes at CR LF; a line end of any other kind fails the test.
+inline std::vector<std::string> crlfLines(const std::string& bytes) {
+    std::vector<std::string> lines;
+    for (size_t start = 0; start < bytes.size();) {
+        size_t end = bytes.find("\r\n", start);
+        EXPECT_NE(end, std::string::npos) << "last line has no CR LF";
+        end = std::min(end, bytes.size());
+        lines.push_back(bytes.substr(start, end - start));
+        EXPECT_EQ(lines.back().find_first_of("\r\n"), std::string::npos) << lines.back();
+        start = end + 2;
+    }
+    return lines;
+}
+
+// The written lines from `from` on, each followed by "\n" (26: after comments and header).
+inline std::string linesFrom(const std::string& path, size_t from = 26) {
+    const std::vector<std::string> lines = crlfLines(readBytes(path));
+    std::string s;
+    for (size_t i = from; i < lines.size(); ++i) {
+        s += lines[i] + "\n";
+    }
+    return s;
+}
+
+inline std::string crlf(const std::vector<std::string>& lines) {
+    std::string s;
+    for (const auto& l : lines) {
+        s += l + "\r\n";
+    }
+    return s;
+}
+
+// A menu file: one comment line, the twelve header lines (lines 2 to 13), then the body from
+// line 14 on.
+inline std::string menuFile(const std::vector<std::string>& body) {
+    std::vector<std::string> lines{"# test menu",
+                                   "1124165 # library",
+                                   "About",
+                                   "Powered by Loomvault  # 2.text",
+                                   "www.example.com",
+                                   "All rights reserved",
+                                   "Title",
+                                   "16",
+                                   "16",
+                                   "10",
+                                   "10",
+                                   "11",
+                                   "11"};
+    lines.insert(lines.end(), body.begin(), body.end());
+    return crlf(lines);
+}
+
+// The tree as "key{child child}", e.g. "Menu0{Menu1{Child1} Child2}".
+inline std::string shape(const TreeNodes& nodes) {
+    std::string out;
+    std::function<void(NodeRef)> walk = [&](NodeRef n) {
+        out += nodes.key(n);
+        if (NodeRef c = nodes.child(n); !c.isNull()) {
+            out += "{";
+            for (; !c.isNull(); c = nodes.next(c)) {
+                walk(c);
+                out += nodes.next(c).isNull() ? "}" : " ";
+            }
+        }
+    };
+    if (nodes.count() > 0) {
+        walk(nodes.byIndex(1));
+    }
+    return out;
+}
+
+// Everything a menu file is read into.
+struct Model {
+    Grid grid;
+    TreeNodes nodes;
+    TreeState tree;
+    Shortcuts shortcuts;
+    menufile::HeaderFields fields;
+    menufile::MenuModel model() { return {grid, nodes, tree, shortcuts, fields}; }
+
+    menufile::ReadOutcome read(const std::string& bytes, int16_t appendStartRow = 1,
+                               menufile::ReadDiagnostics* d = nullptr) {
+        return menufile::readMenuBytes(bytes, model(), appendStartRow, kNormalColor, d);
+    }
+    menufile::ReadOutcome readFile(const std::string& path, int16_t appendStartRow = 1) {
+        return menufile::readMenuFile(path, model(), appendStartRow, kNormalColor);
+    }
+    std::string shape() const { return test::shape(nodes); }
+    std::string text(const std::string& key) const { return nodes.text(nodes.byKey(key)); }
+    // Columns 0..6 of a row, joined by "|".
+    std::string row(int r) const {
+        std::string s = grid.textMatrix(r, 0);
+        for (int c = 1; c < Grid::kCols; ++c) {
+            s += "|" + grid.textMatrix(r, c);
+        }
+        return s;
+    }
+    // Rows from `from` on, one per line.
+    std::string rows(int from = 1) const {
+        std::string s;
+        for (int r = from; r < grid.rows(); ++r) {
+            s += row(r) + "\n";
+        }
+        return s;
+    }
+    // The header fields: title, About, sizes, data and image directory.
+    std::string header() const {
+        const auto& f = fields;
+        return f.text2 + "|" + f.text3 + "|" + f.combo2 + "|" + f.combo3 + "|" + f.datadir + "|" +
+               f.imagedir;
+    }
+};
+
+// The number of the run-time error f raises, 0 when none.
+inline int errorOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+}  // namespace vkl::test

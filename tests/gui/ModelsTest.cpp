@@ -1,0 +1,256 @@
+// The item models over the grid and the tree, checked against Qt's own model rules while the
+// plain models change underneath them.
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "gui/GridModel.h"
+#include "gui/Icons.h"
+#include "gui/TreeModel.h"
+#include "platform/Colors.h"
+#include "platform/RuntimeError.h"
+
+using vkl::Grid;
+using vkl::NodeRef;
+using vkl::TreeNodes;
+using vkl::gui::GridModel;
+using vkl::gui::TreeModel;
+
+class ModelsTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void gridRowsFollowTheGrid();
+    void gridCellsHeaderAndColours();
+    void treeFollowsAddsMovesAndRemoves();
+    void treeIndexesOfRemovedNodesAreDead();
+    void treeShowsTextIconsAndDropHighlight();
+};
+
+namespace {
+
+QStringList columnOne(const GridModel& model) {
+    QStringList texts;
+    for (int r = 0; r < model.rowCount(); ++r) {
+        texts << model.index(r, 1).data().toString();
+    }
+    return texts;
+}
+
+// The texts of the children of parent in order, each followed by its own children in brackets.
+QString shape(const QAbstractItemModel& model, const QModelIndex& parent = {}) {
+    QStringList parts;
+    for (int r = 0; r < model.rowCount(parent); ++r) {
+        const QModelIndex child = model.index(r, 0, parent);
+        QString part = child.data().toString();
+        if (model.rowCount(child) > 0) {
+            part += QLatin1Char('[') + shape(model, child) + QLatin1Char(']');
+        }
+        parts << part;
+    }
+    return parts.join(QLatin1Char(' '));
+}
+
+}  // namespace
+
+void ModelsTest::gridRowsFollowTheGrid() {
+    Grid grid;
+    GridModel model(grid);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(model.rowCount(), 0);
+    QCOMPARE(model.columnCount(), 7);
+
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    grid.setRows(6);
+    QCOMPARE(model.rowCount(), 5);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.at(0).at(1).toInt(), 0);
+    QCOMPARE(inserted.at(0).at(2).toInt(), 4);
+    for (int r = 1; r < 6; ++r) {
+        grid.setTextMatrix(r, 1, "line " + std::to_string(r));
+    }
+
+    // Row r of the grid is row r-1 of the model, also after a row in the middle goes.
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    grid.removeItem(2);
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(1).toInt(), 1);
+    QCOMPARE(columnOne(model), (QStringList{"line 1", "line 3", "line 4", "line 5"}));
+
+    grid.appendRow();
+    grid.setTextMatrix(5, 1, "appended");
+    QCOMPARE(columnOne(model).last(), QStringLiteral("appended"));
+
+    grid.setRows(3);
+    QCOMPARE(columnOne(model), (QStringList{"line 1", "line 3"}));
+
+    // Bulk removal is one reset, not one notice per row.
+    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    removed.clear();
+    grid.setRows(8);
+    std::vector<bool> drop(8, false);
+    drop[1] = drop[4] = drop[7] = true;
+    grid.removeRows(drop);
+    QCOMPARE(reset.count(), 1);
+    QCOMPARE(removed.count(), 0);
+    QCOMPARE(model.rowCount(), 4);
+    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 3"));
+}
+
+void ModelsTest::gridCellsHeaderAndColours() {
+    Grid grid;
+    grid.setRows(3);
+    GridModel model(grid);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QPalette palette;
+    palette.setColor(QPalette::Button, QColor(10, 20, 30));
+    palette.setColor(QPalette::Base, QColor(250, 250, 250));
+    palette.setColor(QPalette::Highlight, QColor(0, 0, 200));
+    model.setPalette(palette);
+
+    // Row 0 is the header, not a data row.
+    QSignalSpy header(&model, &QAbstractItemModel::headerDataChanged);
+    grid.setTextMatrix(0, 1, "Menu Title");
+    QCOMPARE(header.count(), 1);
+    QCOMPARE(model.headerData(1, Qt::Horizontal).toString(), QStringLiteral("Menu Title"));
+
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    grid.setTextMatrix(2, 4,
+                       std::string("M\xfc"
+                                   "ller \x80"));
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toModelIndex(), model.index(1, 4));
+    QCOMPARE(model.index(1, 4).data().toString(), QString::fromUtf8("Müller €"));
+
+    // Colours: none, an RGB value in the grid's byte order, system colours from the palette.
+    QVERIFY(!model.index(0, 1).data(Qt::BackgroundRole).isValid());
+    grid.setBackColorAt(1, 1, vkl::kMarkingColor);
+    QCOMPARE(model.index(0, 1).data(Qt::BackgroundRole).value<QColor>(), QColor(255, 224, 192));
+    grid.setBackColorAt(1, 0, vkl::kNormalColor);
+    QCOMPARE(model.index(0, 0).data(Qt::BackgroundRole).value<QColor>(), QColor(10, 20, 30));
+    grid.setBackColorAt(1, 2, vkl::kWindowColor);
+    QCOMPARE(model.index(0, 2).data(Qt::BackgroundRole).value<QColor>(), QColor(250, 250, 250));
+    const QColor lit = model.color(vkl::kHighlightColor);
+    QVERIFY(lit.isValid());
+    QVERIFY(lit != palette.color(QPalette::Base));
+    QVERIFY(lit != palette.color(QPalette::Highlight));
+    QVERIFY(lit.blue() > lit.red());  // a tint of the highlight
+
+    QVERIFY(!(model.flags(model.index(0, 1)) & Qt::ItemIsEditable));
+}
+
+void ModelsTest::treeFollowsAddsMovesAndRemoves() {
+    TreeNodes nodes;
+    TreeModel model(nodes);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+
+    const NodeRef root = nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
+    const NodeRef a = nodes.add(root, TreeNodes::kChild, "Menu1", "A", "folderclosed");
+    nodes.add(root, TreeNodes::kChild, "Child1", "one");
+    nodes.add(a, TreeNodes::kChild, "Child2", "two");
+    nodes.add("Child1", TreeNodes::kPrevious, "Menu2", "B", "folderclosed");
+    nodes.add("Menu1", TreeNodes::kNext, "Child3", "three");
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[A[two] three B one]"));
+
+    // Re-parenting: a node with its subtree becomes the last child of its new parent.
+    nodes.setParent(a, nodes.byKey("Menu2"));
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[three B[A[two]] one]"));
+    nodes.setParent(nodes.byKey("Child3"), root);
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
+    // Already the last child: nothing moves.
+    nodes.setParent(nodes.byKey("Child3"), root);
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
+    QVERIFY_THROWS_EXCEPTION(vkl::RuntimeError, nodes.setParent(nodes.byKey("Menu2"), a));
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
+
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    nodes.setText(nodes.byKey("Child2"), "TWO");
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toModelIndex(), model.indexOf(nodes.byKey("Child2")));
+
+    nodes.remove(nodes.byKey("Menu2"));
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[one three]"));
+
+    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    nodes.removeMany({nodes.byKey("Child1"), nodes.byKey("Child3")});
+    QCOMPARE(reset.count(), 1);
+    QCOMPARE(shape(model), QStringLiteral("Top Menu"));
+    nodes.clear();
+    QCOMPARE(model.rowCount(), 0);
+}
+
+void ModelsTest::treeIndexesOfRemovedNodesAreDead() {
+    TreeNodes nodes;
+    TreeModel model(nodes);
+    const NodeRef root = nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
+    const NodeRef item = nodes.add(root, TreeNodes::kChild, "Child1", "one");
+    const QModelIndex stale = model.indexOf(item);
+    QCOMPARE(model.node(stale), item);
+    QCOMPARE(model.parent(stale), model.indexOf(root));
+
+    // A node added after the clear takes the same slot; the old index must not reach it.
+    nodes.clear();
+    nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
+    const NodeRef newcomer = nodes.add(nodes.byKey("Menu0"), TreeNodes::kChild, "Child1", "new");
+    QCOMPARE(newcomer.slot, item.slot);
+    QVERIFY(model.node(stale).isNull());
+    QVERIFY(!model.data(stale).isValid());
+    QVERIFY(!model.parent(stale).isValid());
+    QCOMPARE(model.rowCount(stale), 0);
+}
+
+void ModelsTest::treeShowsTextIconsAndDropHighlight() {
+    TreeNodes nodes;
+    TreeModel model(nodes);
+    const NodeRef root = nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
+    const NodeRef item = nodes.add(root, TreeNodes::kChild, "Child1",
+                                   std::string("Gr\xfc\xdf"
+                                               "e"));
+    QCOMPARE(model.indexOf(item).data().toString(), QString::fromUtf8("Grüße"));
+
+    // The eight pictures of the tree exist and are told apart; an item without one has none.
+    const QStringList keys{"root", "arrow2",       "arrow1",     "folderclosed2",
+                           "item", "folderclosed", "image_here", "blank"};
+    QList<QImage> drawn;
+    for (const QString& key : keys) {
+        const QIcon icon = vkl::gui::icons::node(key);
+        QVERIFY2(!icon.isNull(), qPrintable(key));
+        const QImage image = icon.pixmap(16, 16).toImage().convertToFormat(QImage::Format_ARGB32);
+        bool painted = false;
+        for (int y = 0; y < image.height() && !painted; ++y) {
+            for (int x = 0; x < image.width() && !painted; ++x) {
+                painted = qAlpha(image.pixel(x, y)) != 0;
+            }
+        }
+        QCOMPARE(painted, key != QLatin1String("blank"));
+        QVERIFY2(!drawn.contains(image), qPrintable(key));
+        drawn << image;
+    }
+    QVERIFY(!model.indexOf(item).data(Qt::DecorationRole).isValid());
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    nodes.setImage(item, "arrow2");
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(model.indexOf(item).data(Qt::DecorationRole).isValid());
+
+    QPalette palette;
+    palette.setColor(QPalette::Highlight, QColor(1, 2, 3));
+    model.setPalette(palette);
+    QVERIFY(!model.indexOf(item).data(Qt::BackgroundRole).isValid());
+    changed.clear();
+    model.setDropHighlight(item);
+    QCOMPARE(model.indexOf(item).data(Qt::BackgroundRole).value<QColor>(), QColor(1, 2, 3));
+    model.setDropHighlight(root);
+    QCOMPARE(changed.count(), 3);  // on, then off and on elsewhere
+    QVERIFY(!model.indexOf(item).data(Qt::BackgroundRole).isValid());
+
+    // Editing a label is handed on, not written.
+    QSignalSpy edited(&model, &TreeModel::labelEdited);
+    QVERIFY(model.flags(model.indexOf(item)) & Qt::ItemIsEditable);
+    QVERIFY(model.setData(model.indexOf(item), QStringLiteral("Neu")));
+    QCOMPARE(edited.count(), 1);
+    QCOMPARE(edited.at(0).at(1).toString(), QStringLiteral("Neu"));
+    QCOMPARE(nodes.text(item), std::string("Gr\xfc\xdf"
+                                           "e"));
+}
+
+QTEST_MAIN(ModelsTest)
+#include "ModelsTest.moc"

@@ -1,0 +1,281 @@
+// The real host services: message boxes, file filters, environment, pictures, pop-up menus,
+// ending the program, and the lock that keeps a second copy from running.
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "gui/QtHost.h"
+#include "gui/SingleInstance.h"
+#include "platform/RuntimeError.h"
+#include "support/ScriptedHost.h"
+
+using vkl::Answer;
+using vkl::Buttons;
+using vkl::gui::QtHost;
+
+namespace {
+
+struct SeenBox {
+    QString text;
+    QString title;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QStringList buttons;
+    QString defaultButton;
+};
+
+// Shows a message box through the host; once it is up, records it and presses the button.
+Answer answerBox(QtHost& host, const vkl::MessageBox& box, QMessageBox::StandardButton press,
+                 SeenBox& seen) {
+    QTimer::singleShot(0, [&] {
+        auto* shown = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!shown) {
+            return;
+        }
+        seen.text = shown->text();
+        seen.title = shown->windowTitle();
+        seen.icon = shown->icon();
+        for (QAbstractButton* b : shown->buttons()) {
+            seen.buttons << b->text().remove(QLatin1Char('&'));
+        }
+        seen.buttons.sort();
+        if (shown->defaultButton()) {
+            seen.defaultButton = shown->defaultButton()->text().remove(QLatin1Char('&'));
+        }
+        shown->button(press)->click();
+    });
+    return host.msgBox(box);
+}
+
+int rc(int argc, char** argv);
+
+}  // namespace
+
+class QtHostTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void messageBoxesHaveTheirButtonsTitleAndIcon();
+    void fileFiltersKeepTheirNamesAndMatchAllFiles();
+    void environmentAndTempFolder();
+    void picturesAreMeasuredOrRefused();
+    void popupMenuReturnsTheChosenEntry();
+    void endingTheProgramLeavesTheEventLoop();
+    void secondCopyIsRefusedUntilTheFirstIsGone();
+};
+
+void QtHostTest::messageBoxesHaveTheirButtonsTitleAndIcon() {
+    QtHost host;
+    SeenBox seen;
+    vkl::MessageBox quit;
+    quit.prompt = "Changes not saved! Do you really want to quit !";
+    quit.title = "Confirm Quit";
+    quit.buttons = Buttons::YesNo;
+    quit.questionIcon = true;
+    quit.defaultNo = true;
+    QCOMPARE(answerBox(host, quit, QMessageBox::Yes, seen), Answer::Yes);
+    QCOMPARE(seen.title, QStringLiteral("Confirm Quit"));
+    QCOMPARE(seen.icon, QMessageBox::Question);
+    QCOMPARE(seen.buttons, (QStringList{"No", "Yes"}));
+    QCOMPARE(seen.defaultButton, QStringLiteral("No"));
+    seen = {};
+    QCOMPARE(answerBox(host, quit, QMessageBox::No, seen), Answer::No);
+
+    // Windows-1252 text, carriage returns as line breaks, the program's name as default title.
+    seen = {};
+    vkl::MessageBox notice;
+    notice.prompt = "\xc4nderungen\rzweite Zeile\r\ndritte";
+    QCOMPARE(answerBox(host, notice, QMessageBox::Ok, seen), Answer::Ok);
+    QCOMPARE(seen.text, QString::fromUtf8("Änderungen\nzweite Zeile\ndritte"));
+    QCOMPARE(seen.title, QStringLiteral("VKL Editor"));
+    QCOMPARE(seen.icon, QMessageBox::NoIcon);
+    QCOMPARE(seen.buttons, QStringList{"OK"});
+
+    seen = {};
+    notice.title = "";
+    answerBox(host, notice, QMessageBox::Ok, seen);
+    QCOMPARE(seen.title, QString());
+    QVERIFY(!seen.text.isEmpty());
+}
+
+void QtHostTest::fileFiltersKeepTheirNamesAndMatchAllFiles() {
+    QCOMPARE(QtHost::nameFilters("All Files (*.*)|*.*|VKL Files (*.vkl)|*.vkl"),
+             (QStringList{"All Files (*.*) (*)", "VKL Files (*.vkl) (*.vkl)"}));
+    QCOMPARE(QtHost::nameFilters("Pictures|*.bmp; *.DIB|Odd"),
+             (QStringList{"Pictures (*.bmp *.DIB)", "Odd (*)"}));
+    QCOMPARE(QtHost::nameFilters("|*.txt"), QStringList{"*.txt (*.txt)"});
+    QVERIFY(QtHost::nameFilters("").isEmpty());
+
+    // The dialog shows the names as written and filters by the patterns behind them.
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setNameFilters(QtHost::nameFilters("All Files (*.*)|*.*|BMP Files (*.bmp)|*.bmp"));
+    auto* types = dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+    QVERIFY(types);
+    QCOMPARE(types->itemText(0), QStringLiteral("All Files (*.*)"));
+    QCOMPARE(types->itemText(1), QStringLiteral("BMP Files (*.bmp)"));
+    dialog.selectNameFilter(dialog.nameFilters().at(0));
+    QCOMPARE(dialog.nameFilters().at(0), QStringLiteral("All Files (*.*) (*)"));
+}
+
+void QtHostTest::environmentAndTempFolder() {
+    QtHost host;
+    qputenv("VKL_HOST_TEST", "found it");
+    QStringList entries;
+    int i = 1;
+    for (std::string e = host.environ(i); !e.empty(); e = host.environ(++i)) {
+        entries << QString::fromStdString(e);
+    }
+    QVERIFY(entries.contains(QStringLiteral("VKL_HOST_TEST=found it")));
+    QCOMPARE(entries.size(), QProcessEnvironment::systemEnvironment().toStringList().size());
+    QCOMPARE(host.environ(0), std::string());
+    QCOMPARE(host.environ(-3), std::string());
+
+    QCOMPARE(host.tempPath().value_or(""), (QDir::tempPath() + QLatin1Char('/')).toStdString());
+}
+
+void QtHostTest::picturesAreMeasuredOrRefused() {
+    QtHost host;
+    QTemporaryDir dir;
+    const std::string bmp = dir.filePath(QStringLiteral("Menu Bild.bmp")).toStdString();
+    vkl::test::writeBmp(bmp, 37, 21);
+    const vkl::PictureSize size = host.loadPicture(bmp);
+    QCOMPARE(size.width, 37);
+    QCOMPARE(size.height, 21);
+
+    const QString text = dir.filePath(QStringLiteral("notes.bmp"));
+    QFile file(text);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("this is no picture at all\n");
+    file.close();
+    try {
+        host.loadPicture(text.toStdString());
+        QFAIL("a text file was taken for a picture");
+    } catch (const vkl::RuntimeError& e) {
+        QCOMPARE(e.number(), 481);
+    }
+    try {
+        host.loadPicture(dir.filePath(QStringLiteral("missing.bmp")).toStdString());
+        QFAIL("a missing file was taken for a picture");
+    } catch (const vkl::RuntimeError& e) {
+        QCOMPARE(e.number(), 53);
+    }
+}
+
+void QtHostTest::popupMenuReturnsTheChosenEntry() {
+    QWidget window;
+    auto* menu = new QMenu(&window);
+    menu->setObjectName(QStringLiteral("Menu2"));
+    menu->addAction(QStringLiteral("Add above"))->setObjectName(QStringLiteral("addabove1"));
+    menu->addSeparator();
+    menu->addAction(QStringLiteral("Remove"))->setObjectName(QStringLiteral("remove1"));
+    window.show();
+    QtHost host;
+    host.setWindow(&window);
+
+    QTimer::singleShot(0, [] {
+        if (auto* open = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+            QAction* remove = open->actions().last();
+            QTest::mouseClick(open, Qt::LeftButton, {}, open->actionGeometry(remove).center());
+        }
+    });
+    QCOMPARE(host.popupMenu("Menu2"), std::string("remove1"));
+
+    QTimer::singleShot(0, [] {
+        if (auto* open = QApplication::activePopupWidget()) {
+            open->close();
+        }
+    });
+    QCOMPARE(host.popupMenu("Menu2"), std::string());
+    QCOMPARE(host.popupMenu("menu9"), std::string());
+}
+
+void QtHostTest::endingTheProgramLeavesTheEventLoop() {
+    QWidget window;
+    window.show();
+    QtHost host;
+    host.setWindow(&window);
+    QVERIFY(!host.ended());
+    QEventLoop loop;
+    QTimer::singleShot(0, [&] { host.endProgram(); });
+    QTimer::singleShot(5000, &loop, [&] { loop.exit(7); });
+    QCOMPARE(loop.exec(), 0);
+    QVERIFY(host.ended());
+    QVERIFY(!window.isVisible());
+}
+
+void QtHostTest::secondCopyIsRefusedUntilTheFirstIsGone() {
+    QTemporaryDir dir;
+    const QString lock = dir.filePath(QStringLiteral("vkleditor.lock"));
+    {
+        vkl::gui::SingleInstance first(lock);
+        QVERIFY(first.acquire());
+        QVERIFY(first.acquire());  // asking again keeps it
+        vkl::gui::SingleInstance second(lock);
+        QVERIFY(!second.acquire());
+    }
+    // A copy in another process holds the lock, then crashes and leaves its lock file behind.
+    QProcess holder;
+    holder.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--hold-lock"), lock});
+    QVERIFY(holder.waitForReadyRead(20000));
+    QCOMPARE(holder.readAllStandardOutput().trimmed(), QByteArray("locked"));
+    {
+        vkl::gui::SingleInstance refused(lock);
+        QVERIFY(!refused.acquire());
+    }
+    // Even long after: a running copy's lock never goes stale by age.
+    std::filesystem::last_write_time(
+        lock.toStdString(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(48));
+    {
+        vkl::gui::SingleInstance refused(lock);
+        QVERIFY(!refused.acquire());
+    }
+    holder.kill();
+    QVERIFY(holder.waitForFinished(20000));
+    QVERIFY(QFile::exists(lock));
+    vkl::gui::SingleInstance next(lock);
+    QVERIFY(next.acquire());
+}
+
+namespace {
+
+// The other copy of the lock test: takes the lock, says so, and waits to be killed.
+int rc(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    vkl::gui::SingleInstance instance(QString::fromLocal8Bit(argv[2]));
+    if (!instance.acquire()) {
+        return 2;
+    }
+    std::fputs("locked\n", stdout);
+    std::fflush(stdout);
+    for (;;) {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 3 && std::strcmp(argv[1], "--hold-lock") == 0) {
+        return rc(argc, argv);
+    }
+    QApplication app(argc, argv);
+    QtHostTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "QtHostTest.moc"
