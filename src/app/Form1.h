@@ -14,6 +14,10 @@
 
 namespace vkl {
 
+namespace menufile {
+class ReadDiagnostics;
+}
+
 // The main window's state and handlers, without a toolkit. Every user action of the window is
 // one handler here; the Qt window only forwards events and shows this state. Run-time errors
 // leave the handlers as RuntimeError.
@@ -38,7 +42,8 @@ public:
     void saveFlow();
     void askDatadirClick();
     void askImagedirClick();
-    void readMenuFile(const std::string& path);
+    // The editor reads without diagnostics; a checking tool passes its listener.
+    void readMenuFile(const std::string& path, menufile::ReadDiagnostics* diagnostics = nullptr);
     void writeMenuFile(const std::string& path);
     // Derives a flat tree from the table when the tree is empty.
     void deriveFlatTree();

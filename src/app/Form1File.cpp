@@ -152,7 +152,7 @@ void Form1::askImagedirClick() {
     chooseFolder(host, Imagedir);
 }
 
-void Form1::readMenuFile(const std::string& path) {
+void Form1::readMenuFile(const std::string& path, menufile::ReadDiagnostics* diagnostics) {
     menufile::HeaderFields header = headerOf(*this);
     const menufile::MenuModel model{Table, Treeview, tree, shortcuts, header};
     // Copies the fields back also when a run-time error ends the read half way.
@@ -169,7 +169,7 @@ void Form1::readMenuFile(const std::string& path) {
         }
     } copyBack{*this, header};
     const menufile::ReadOutcome outcome =
-        menufile::readMenuFile(path, model, appendStartRow, normalColor);
+        menufile::readMenuFile(path, model, appendStartRow, normalColor, diagnostics);
     if (outcome.opened) {
         treeImageListAttached = true;
     }

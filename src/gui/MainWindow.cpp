@@ -122,6 +122,11 @@ MainWindow::MainWindow(Form1& form, QWidget* parent) : QMainWindow(parent), form
 }
 
 MainWindow::~MainWindow() {
+    // A label editor still open commits as it closes while the widgets go; the form hears no
+    // more of the window from here on.
+    ended_ = true;
+    disconnect(treeModel_, nullptr, this, nullptr);
+    disconnect(gridModel_, nullptr, this, nullptr);
     if (form_.treePort == tree_) {
         form_.treePort = nullptr;
     }
@@ -208,6 +213,7 @@ void MainWindow::buildWidgets() {
     table_ = new GridView(body);
     table_->setObjectName(QStringLiteral("Table"));
     table_->setModel(gridModel_);
+    table_->setItemDelegate(new GridCellDelegate(table_));
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setMinimumSectionSize(1);
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 8);
@@ -215,7 +221,9 @@ void MainWindow::buildWidgets() {
     table_->horizontalHeader()->setHighlightSections(false);
     table_->horizontalHeader()->setStretchLastSection(false);
     table_->horizontalHeader()->setMinimumSectionSize(1);
-    table_->setSelectionMode(QAbstractItemView::SingleSelection);
+    // The current cell is framed, not filled, so that the colours of marked and highlighted
+    // lines show on it too.
+    table_->setSelectionMode(QAbstractItemView::NoSelection);
     table_->setSelectionBehavior(QAbstractItemView::SelectItems);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->setTabKeyNavigation(false);
@@ -248,6 +256,7 @@ void MainWindow::buildWidgets() {
     tree_ = new NodeView(treePane);
     tree_->setObjectName(QStringLiteral("Treeview"));
     tree_->setModel(treeModel_);
+    tree_->setItemDelegate(new NodeDelegate(tree_));
     tree_->setHeaderHidden(true);
     tree_->setUniformRowHeights(true);
     tree_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -406,6 +415,7 @@ void MainWindow::connectGrid() {
     connect(gridModel_, &QAbstractItemModel::modelReset, this, [this] {
         // A reset forgets the scroll position; the next sync() puts the form's back.
         shownTopRow_ = -1;
+        gridLayoutPending_ = true;
     });
 
     connect(text1_, &QLineEdit::textEdited, this, [this](const QString& t) {
@@ -533,28 +543,35 @@ void MainWindow::connectTree() {
 void MainWindow::refreshExpansion(const QModelIndex& below) {
     const bool was = syncing_;
     syncing_ = true;
-    std::vector<NodeRef> pending;
-    if (below.isValid()) {
-        pending.push_back(treeModel_->node(below));
-    } else {
-        for (int i = 0; i < form_.Treeview.childCount({}); ++i) {
-            pending.push_back(form_.Treeview.childAt({}, i));
+    TreeNodes& nodes = form_.Treeview;
+    if (!below.isValid()) {
+        // After a reset the view has forgotten every expanded node: one pass over the
+        // collection tells it the expanded ones.
+        for (int i = 1; i <= nodes.count(); ++i) {
+            const NodeRef n = nodes.byIndex(i);
+            if (nodes.expanded(n) && nodes.childCount(n) > 0) {
+                tree_->setExpanded(treeModel_->indexOf(n), true);
+            }
         }
+        syncing_ = was;
+        return;
     }
+    // A move keeps the view's flags; those of the moved subtree are compared node by node.
+    std::vector<NodeRef> pending{treeModel_->node(below)};
     while (!pending.empty()) {
         const NodeRef n = pending.back();
         pending.pop_back();
         if (n.isNull()) {
             continue;
         }
-        const int children = form_.Treeview.childCount(n);
-        const bool wanted = form_.Treeview.expanded(n);
+        const int children = nodes.childCount(n);
+        const bool wanted = nodes.expanded(n);
         const QModelIndex at = treeModel_->indexOf(n);
         if (tree_->isExpanded(at) != wanted) {
             tree_->setExpanded(at, wanted);
         }
         for (int i = 0; i < children; ++i) {
-            pending.push_back(form_.Treeview.childAt(n, i));
+            pending.push_back(nodes.childAt(n, i));
         }
     }
     syncing_ = was;
@@ -853,14 +870,18 @@ void MainWindow::syncHeaderFields() {
 
 void MainWindow::syncCurrentCell() {
     const Grid& grid = form_.Table;
+    if (gridLayoutPending_) {
+        // Laid out now rather than by the view's own timer after the first paint, so that a
+        // file read is painted once, with the scroll range it needs.
+        gridLayoutPending_ = false;
+        table_->doItemsLayout();
+    }
     QModelIndex wanted;
     if (grid.row() >= 1 && grid.row() - 1 < gridModel_->rowCount()) {
         wanted = gridModel_->index(grid.row() - 1, grid.col());
     }
     if (table_->currentIndex() != wanted) {
-        table_->selectionModel()->setCurrentIndex(wanted, wanted.isValid()
-                                                              ? QItemSelectionModel::ClearAndSelect
-                                                              : QItemSelectionModel::Clear);
+        table_->selectionModel()->setCurrentIndex(wanted, QItemSelectionModel::NoUpdate);
     }
     if (grid.topRow() != shownTopRow_) {
         shownTopRow_ = grid.topRow();
@@ -967,9 +988,17 @@ void MainWindow::syncTimer() {
 
 void MainWindow::syncPreview() {
     const PreviewState& state = form_.preview;
+    const QSize margins(toPixelsX(this, PreviewState::kWidthMarginTwips),
+                        toPixelsY(this, PreviewState::kHeightMarginTwips));
     if (state.created && !preview_) {
-        preview_ = new PreviewWindow(this, QSize(toPixelsX(this, 850), toPixelsY(this, 500)));
+        preview_ = new PreviewWindow(this, margins);
         preview_->onClosed = [this] { form_.preview.shown = false; };
+        // It first opens in the lower corner of the tree, where it hides neither the grid's
+        // lines nor the folder clicked; the user may move it from there.
+        const QSize size = QSize(state.pictureWidth, state.pictureHeight) + margins;
+        const QWidget* area = tree_->viewport();
+        preview_->move(area->mapToGlobal(QPoint(area->width(), area->height())) -
+                       QPoint(size.width() + 8, size.height() + 8));
     }
     if (!preview_) {
         return;

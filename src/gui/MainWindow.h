@@ -119,6 +119,7 @@ class MainWindow : public QMainWindow {
     std::vector<ToolbarButton> shownToolbar_;
     bool shownText1Focus_ = false;
     int shownTopRow_ = -1;
+    bool gridLayoutPending_ = false;  // the grid was reset and not laid out since
 };
 
 }  // namespace vkl::gui

@@ -23,6 +23,12 @@ void PreviewWindow::showPicture(const QString& fileName, QSize pictureSize) {
         pictureSize = picture_->pixmap().size();
     }
     const QSize client = pictureSize + margins_;
+    if (isVisible() && size() != client) {
+        // A new picture keeps the lower right corner where it was, so that the window stays
+        // where it was placed beside the tree.
+        const QSize grown = client - size();
+        move(pos() - QPoint(grown.width(), grown.height()));
+    }
     setFixedSize(client);
     // The picture sits in the middle of the margins.
     picture_->setGeometry(QRect(QPoint(margins_.width() / 2, margins_.height() / 2), pictureSize));

@@ -131,6 +131,12 @@ int TreeModel::columnCount(const QModelIndex&) const {
     return 1;
 }
 
+bool TreeModel::hasChildren(const QModelIndex& parent) const {
+    // Asked for every node the tree view lays out: one lookup instead of a row and a column
+    // count.
+    return rowCount(parent) > 0;
+}
+
 QVariant TreeModel::data(const QModelIndex& index, int role) const {
     const NodeRef n = node(index);
     if (n.isNull()) {

@@ -1,11 +1,13 @@
 #include "gui/Views.h"
 
+#include <QApplication>
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 #include "platform/Text.h"
@@ -73,6 +75,114 @@ int buttonCode(Qt::MouseButton button) {
 int shiftCode(Qt::KeyboardModifiers modifiers) {
     return (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
            (modifiers & Qt::AltModifier ? 4 : 0);
+}
+
+// ---- Item painting ----------------------------------------------------------------------------
+
+namespace {
+
+// One line of text in a cell, cut with an ellipsis when it is too wide. Placed by hand from the
+// font's metrics: the general text layout costs several times as much per cell.
+void drawLine(QPainter* painter, const QStyleOptionViewItem& option, QRect room,
+              const QString& text, Qt::Alignment alignment) {
+    const QWidget* view = option.widget;
+    const QStyle* style = view ? view->style() : QApplication::style();
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1;
+    room.adjust(margin, 0, -margin, 0);
+    const QFontMetrics& metrics = option.fontMetrics;
+    QString shown = text;
+    int width = metrics.horizontalAdvance(shown);
+    if (width > room.width()) {
+        shown = metrics.elidedText(text, Qt::ElideRight, room.width());
+        width = metrics.horizontalAdvance(shown);
+    }
+    int x = room.left();
+    if (alignment & Qt::AlignHCenter) {
+        x += (room.width() - width) / 2;
+    } else if (alignment & Qt::AlignRight) {
+        x = room.right() + 1 - width;
+    }
+    const int y = room.top() + (room.height() - metrics.height()) / 2 + metrics.ascent();
+    painter->drawText(QPoint(x, y), shown);
+}
+
+QPalette::ColorGroup colorGroup(const QStyleOptionViewItem& option) {
+    if (!(option.state & QStyle::State_Enabled)) {
+        return QPalette::Disabled;
+    }
+    return option.state & QStyle::State_Active ? QPalette::Normal : QPalette::Inactive;
+}
+
+}  // namespace
+
+// ---- GridCellDelegate -------------------------------------------------------------------------
+
+void GridCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                             const QModelIndex& index) const {
+    const QVariant back = index.data(Qt::BackgroundRole);
+    if (back.isValid()) {
+        painter->fillRect(option.rect, qvariant_cast<QBrush>(back));
+    }
+    const QString text = index.data(Qt::DisplayRole).toString();
+    if (!text.isEmpty()) {
+        const QVariant align = index.data(Qt::TextAlignmentRole);
+        const Qt::Alignment alignment = align.isValid()
+                                            ? Qt::Alignment(align.toInt())
+                                            : (Qt::AlignLeft | Qt::AlignVCenter);
+        painter->save();
+        painter->setFont(option.font);
+        painter->setPen(option.palette.color(colorGroup(option), QPalette::Text));
+        drawLine(painter, option, option.rect, text, alignment);
+        painter->restore();
+    }
+    if (option.state & QStyle::State_HasFocus) {
+        // The current cell, framed so that its own colour still shows.
+        painter->save();
+        painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRectF(option.rect).adjusted(1, 1, -1, -1));
+        painter->restore();
+    }
+}
+
+// ---- NodeDelegate -----------------------------------------------------------------------------
+
+void NodeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const {
+    const QPalette::ColorGroup group = colorGroup(option);
+    const bool selected = option.state & QStyle::State_Selected;
+    QColor ink = option.palette.color(group, QPalette::Text);
+    if (selected) {
+        painter->fillRect(option.rect, option.palette.brush(group, QPalette::Highlight));
+        ink = option.palette.color(group, QPalette::HighlightedText);
+    } else {
+        const QVariant back = index.data(Qt::BackgroundRole);
+        if (back.isValid()) {
+            painter->fillRect(option.rect, qvariant_cast<QBrush>(back));
+        }
+        const QVariant fore = index.data(Qt::ForegroundRole);
+        if (fore.isValid()) {
+            ink = qvariant_cast<QColor>(fore);
+        }
+    }
+    QRect room = option.rect;
+    const QVariant decoration = index.data(Qt::DecorationRole);
+    if (decoration.isValid()) {
+        const QSize size = option.decorationSize;
+        const QRect at(room.left() + 2, room.top() + (room.height() - size.height()) / 2,
+                       size.width(), size.height());
+        qvariant_cast<QIcon>(decoration)
+            .paint(painter, at, Qt::AlignCenter, selected ? QIcon::Selected : QIcon::Normal);
+        room.setLeft(at.right() + 1);
+    }
+    const QString text = index.data(Qt::DisplayRole).toString();
+    if (!text.isEmpty()) {
+        painter->save();
+        painter->setFont(option.font);
+        painter->setPen(ink);
+        drawLine(painter, option, room, text, Qt::AlignLeft | Qt::AlignVCenter);
+        painter->restore();
+    }
 }
 
 // ---- GridView ---------------------------------------------------------------------------------
@@ -173,9 +283,20 @@ double NodeView::heightTwips() const {
     return toTwipsY(this, viewport()->height());
 }
 
+bool NodeView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+    // The form selects the node on the press, before the view sees it; only a click on a node
+    // that was selected already starts editing its label.
+    if (trigger == SelectedClicked && !pressedWasSelected_) {
+        return false;
+    }
+    return QTreeView::edit(index, trigger, event);
+}
+
 void NodeView::mousePressEvent(QMouseEvent* event) {
     pressedButton_ = event->button();
     pressedIndex_ = indexAt(event->position().toPoint());
+    pressedWasSelected_ =
+        pressedIndex_.isValid() && selectionModel() && selectionModel()->isSelected(pressedIndex_);
     if (pressed) {
         pressed(event);
     }
@@ -204,6 +325,8 @@ void NodeView::startDrag(Qt::DropActions) {
     if (!dragStarting) {
         return;
     }
+    // A press that became a drag is no click, wherever the release ends up.
+    pressedButton_ = Qt::NoButton;
     const QString key = dragStarting();
     auto* data = new QMimeData;
     data->setText(key);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTreeView>
 
@@ -28,6 +29,26 @@ int shiftCode(Qt::KeyboardModifiers modifiers);
 
 // The MIME type of a control dragged onto the grid; the data is the control's name.
 inline constexpr char kControlMimeType[] = "application/x-vkl-control";
+
+// A cell of the menu table: its colour, its text on one line, and a frame when it is the current
+// cell of the focused grid. Cells carry no pictures, check marks or selection, so the general
+// item painting (which lays the text out several times per cell) is not needed; with 32,000
+// lines a reset repaints many cells at once.
+class GridCellDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+};
+
+// A node of the menu tree: its picture and its label, in the selection's or the drop
+// highlight's colours. Laid out by hand for the same reason as the grid's cells.
+class NodeDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+};
 
 // The menu table's view. Its events go to the window's hooks, in the order the form's handlers
 // need them: a press is announced before the current cell moves and again after it moved.
@@ -75,7 +96,10 @@ class NodeView : public QTreeView, public TreeViewPort {
     void scrollLine(int request) override;
     double heightTwips() const override;
 
+    using QTreeView::edit;
+
   protected:
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void startDrag(Qt::DropActions supportedActions) override;
@@ -87,6 +111,8 @@ class NodeView : public QTreeView, public TreeViewPort {
   private:
     QPersistentModelIndex pressedIndex_;
     Qt::MouseButton pressedButton_ = Qt::NoButton;
+    // Whether the pressed node was selected before the press reached the form, which selects it.
+    bool pressedWasSelected_ = false;
 };
 
 }  // namespace vkl::gui

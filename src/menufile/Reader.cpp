@@ -1,10 +1,16 @@
 #include "menufile/Reader.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "platform/Int16.h"
 #include "platform/Text.h"
@@ -112,15 +118,27 @@ std::string_view LineReader::readLine() {
 // ---- Reading a menu file -------------------------------------------------------------------
 
 std::string_view bareFileName(std::string_view path) {
-    const size_t slash = path.rfind('/');
-    if (slash != std::string_view::npos) {
-        path.remove_prefix(slash + 1);
+    // Cutting after the last "/" and then after the last "\\" leaves what follows the last of
+    // either. Searched from the end, eight bytes at a time: every line read asks for one or two.
+    constexpr uint64_t kOnes = 0x0101010101010101u;
+    constexpr uint64_t kHigh = 0x8080808080808080u;
+    const auto zeroBytes = [](uint64_t x) { return ~(((x & ~kHigh) + ~kHigh) | x) & kHigh; };
+    size_t end = path.size();
+    for (; end >= 8; end -= 8) {
+        uint64_t w;
+        std::memcpy(&w, path.data() + end - 8, 8);
+        const uint64_t seps = zeroBytes(w ^ (kOnes * '/')) | zeroBytes(w ^ (kOnes * '\\'));
+        if (seps != 0) {
+            const int last = std::endian::native == std::endian::little
+                                 ? (63 - std::countl_zero(seps)) / 8
+                                 : (63 - std::countr_zero(seps)) / 8;
+            return path.substr(end - 8 + static_cast<size_t>(last) + 1);
+        }
     }
-    const size_t backslash = path.rfind('\\');
-    if (backslash != std::string_view::npos) {
-        path.remove_prefix(backslash + 1);
+    while (end > 0 && path[end - 1] != '/' && path[end - 1] != '\\') {
+        --end;
     }
-    return path;
+    return path.substr(end);
 }
 
 namespace {
@@ -137,19 +155,78 @@ std::string_view trimmed(std::string_view s) {
     return s.substr(b, e - b);
 }
 
-void splitFields(std::string_view s, std::vector<std::string_view>& fields) {
-    fields.clear();
-    size_t start = 0;
-    for (;;) {
-        const size_t bar = s.find('|', start);
-        if (bar == std::string_view::npos) {
-            fields.push_back(s.substr(start));
+// The fields of a body line, split at every "|" (empty fields kept). Only the first four are
+// needed: a menu line has exactly four, a SHORTCUT line uses three.
+struct Fields {
+    static constexpr size_t kKept = 4;
+    std::array<std::string_view, kKept> at;
+    size_t count = 0;  // kKept + 1 stands for any number above kKept
+
+    const std::string_view& operator[](size_t i) const { return at[i]; }
+    size_t size() const { return count; }
+
+    void split(std::string_view s) {
+#if defined(__SSE2__)
+        if (s.size() >= 16 && s.size() <= 64) {
+            splitShort(s);
             return;
         }
-        fields.push_back(s.substr(start, bar - start));
-        start = bar + 1;
+#endif
+        size_t n = 0;  // kept in a register, not in the member the views are stored next to
+        size_t start = 0;
+        for (;;) {
+            if (n == kKept) {
+                count = n + 1;  // the fourth field ended at a "|": more follow
+                return;
+            }
+            const size_t bar = s.find('|', start);
+            if (bar == std::string_view::npos) {
+                at[n] = s.substr(start);
+                count = n + 1;
+                return;
+            }
+            at[n++] = s.substr(start, bar - start);
+            start = bar + 1;
+        }
     }
-}
+
+#if defined(__SSE2__)
+    // Nearly every menu line is 16 to 64 bytes long: all its "|" are found at once, sixteen
+    // bytes at a time, as one bit per byte; the last sixteen bytes may overlap the ones before.
+    void splitShort(std::string_view s) {
+        const char* p = s.data();
+        const size_t length = s.size();
+        const __m128i bar = _mm_set1_epi8('|');
+        const auto barsAt = [&](size_t i) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+            return static_cast<uint64_t>(
+                static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, bar))));
+        };
+        uint64_t bars = 0;
+        size_t i = 0;
+        for (; i + 16 <= length; i += 16) {
+            bars |= barsAt(i) << i;
+        }
+        if (i < length) {
+            bars |= (barsAt(length - 16) >> (i - (length - 16))) << i;
+        }
+        size_t k = 0;
+        size_t start = 0;
+        for (; bars != 0 && k < kKept; ++k) {
+            const auto end = static_cast<size_t>(std::countr_zero(bars));
+            at[k] = s.substr(start, end - start);
+            start = end + 1;
+            bars &= bars - 1;
+        }
+        if (k < kKept) {
+            at[k] = s.substr(start);
+            count = k + 1;
+        } else {
+            count = kKept + 1;  // the fourth field ended at a "|": more follow
+        }
+    }
+#endif
+};
 
 // Views hear one reset for the whole read instead of one notice per row and node.
 class Bulk {
@@ -180,7 +257,6 @@ class MenuReader {
           normal_(normalColor),
           diag_(diagnostics),
           derivation_(m.nodes, m.tree) {
-        fields_.reserve(8);
         m_.grid.setRows(appendStartRow);
         rowCounter_ = sub16(appendStartRow, 1);
     }
@@ -261,42 +337,44 @@ class MenuReader {
         }
         const int16_t depth = checked16(1 + static_cast<long long>(blanks));
         m_.tree.currentLevel = depth;
-        const std::string_view line = trimmed(raw.substr(blanks));
+        std::string_view line = raw.substr(blanks);  // trimmed: the leading blanks are gone
+        while (!line.empty() && line.back() == ' ') {
+            line.remove_suffix(1);
+        }
         if (line.empty() || line.front() == '#') {
             return;
         }
-        splitFields(line, fields_);
-        if (text::iequals(trimmed(fields_[0]), "shortcut")) {
+        fields_.split(line);
+        const std::string_view title = trimmed(fields_[0]);
+        if (text::iequals(title, "shortcut")) {
             shortcutLine();
             return;
         }
-        if (const std::string_view reason = rejection(); !reason.empty()) {
+        const std::string_view action =
+            fields_.size() > 2 ? trimmed(fields_[2]) : std::string_view();
+        std::string_view reason;
+        if (fields_.size() != 4) {
+            reason = kWrongFieldCount;
+        } else if (title.empty()) {
+            reason = kEmptyTitle;
+        } else if (action.empty()) {
+            reason = kEmptyAction;
+        } else if (trimmed(fields_[3]).empty()) {
+            reason = kEmptyParameter;
+        }
+        if (!reason.empty()) {
             if (diag_ != nullptr) {
                 diag_->skippedLine(lineNumber, raw, reason);
             }
             return;
         }
-        if (text::iequals(trimmed(fields_[2]), "s")) {
-            derivation_.submenu(depth, std::string(trimmed(fields_[0])), fields_[1]);
-        } else {
-            itemLine(depth);
+        // The submenu code "S" in either case: the only letter whose other case is "s".
+        const bool submenu = action.size() == 1 && (action[0] == 's' || action[0] == 'S');
+        const NodeRef node =
+            submenu ? derivation_.submenu(depth, title, fields_[1]) : itemLine(depth, line);
+        if (diag_ != nullptr) {
+            diag_->menuLine(lineNumber, raw, node);
         }
-    }
-
-    std::string_view rejection() const {
-        if (fields_.size() != 4) {
-            return kWrongFieldCount;
-        }
-        if (trimmed(fields_[0]).empty()) {
-            return kEmptyTitle;
-        }
-        if (trimmed(fields_[2]).empty()) {
-            return kEmptyAction;
-        }
-        if (trimmed(fields_[3]).empty()) {
-            return kEmptyParameter;
-        }
-        return {};
     }
 
     void shortcutLine() {
@@ -317,30 +395,27 @@ class MenuReader {
         }
     }
 
-    void itemLine(int16_t depth) {
+    NodeRef itemLine(int16_t depth, std::string_view line) {
         rowCounter_ = add16(rowCounter_, 1);
         const int row = rowCounter_;
         Grid& g = m_.grid;
-        g.setRows(g.rows() + 1);
-        derivation_.item(depth, row, fields_[0]);
+        g.appendRow();
+        const NodeRef node = derivation_.item(depth, row, fields_[0]);
         g.setCol(0);
         g.setCellBackColor(normal_);
         g.setRow(row);
         g.setCellBackColor(normal_);
-        g.setTextMatrix(row, 0, text::str(row));
         const std::string_view title = fields_[0];
         const std::string_view bitmap = fields_[1];
         const std::string_view action = fields_[2];
         const std::string_view parameter = fields_[3];
-        g.setTextMatrix(row, 1, std::string(title));
-        if (!bitmap.empty()) {
-            g.setTextMatrix(row, 2, std::string(bareFileName(bitmap)));
-            g.setTextMatrix(row, 5, std::string(bitmap));
-        }
-        g.setTextMatrix(row, 3, std::string(action));
         const bool package = text::iequals(action, "LOS");
-        g.setTextMatrix(row, 4, std::string(package ? bareFileName(parameter) : parameter));
-        g.setTextMatrix(row, 6, std::string(parameter));
+        // Number, title, bitmap name, action, parameter as shown, bitmap and parameter as
+        // written; an empty bitmap leaves both bitmap cells empty.
+        g.setRowTexts(row, line,
+                      {rowNumber_.text(row), title, bareFileName(bitmap), action,
+                       package ? bareFileName(parameter) : parameter, bitmap, parameter});
+        return node;
     }
 
     const MenuModel& m_;
@@ -348,7 +423,8 @@ class MenuReader {
     Color normal_;
     ReadDiagnostics* diag_;
     tree::LevelDerivation derivation_;
-    std::vector<std::string_view> fields_;
+    Fields fields_;
+    text::DecimalCounter rowNumber_;  // column 0, stepped on from row to row
     int16_t rowCounter_ = 0;
     ReadOutcome outcome_;
 };

@@ -89,6 +89,10 @@ class ReadDiagnostics {
     virtual void skippedLine(long lineNumber, std::string_view text, std::string_view reason) {
         (void)lineNumber, (void)text, (void)reason;
     }
+    // A body line taken into the menu, with the folder or item node it became.
+    virtual void menuLine(long lineNumber, std::string_view text, NodeRef node) {
+        (void)lineNumber, (void)text, (void)node;
+    }
     // The run-time error about to leave the reader at this line.
     virtual void fatalLine(long lineNumber, std::string_view text, const RuntimeError& error) {
         (void)lineNumber, (void)text, (void)error;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Colors.h"
@@ -13,7 +15,7 @@ namespace vkl {
 // Row 0 is the fixed header row. Out-of-range cell access raises the grid's run-time error;
 // out-of-range assignments of Row, Col and TopRow are refused and the old value stays.
 class Grid {
-public:
+  public:
     static constexpr int kCols = 7;
 
     struct Observer {
@@ -28,23 +30,44 @@ public:
 
     Grid();
 
-    int rows() const { return static_cast<int>(cells_.size()); }
+    int rows() const { return rows_; }
     // Shrinking cuts rows off the end, growing appends empty rows. At least the header row stays.
+    // Rows cut off keep their storage for the rows appended later, so refilling a big table
+    // (a menu opened over another) allocates little.
     void setRows(int n);
     int cols() const { return kCols; }
 
     int row() const { return row_; }
-    void setRow(int r);
+    void setRow(int r) {
+        if (r >= 0 && r < rows_ && r != row_) {
+            row_ = r;
+            currentChanged();
+        }
+    }
     int col() const { return col_; }
-    void setCol(int c);
+    void setCol(int c) {
+        if (c >= 0 && c < kCols && c != col_) {
+            col_ = c;
+            currentChanged();
+        }
+    }
     int topRow() const { return topRow_; }
     void setTopRow(int r);
 
+    // The reference stays valid until the cell is written or rows are added or removed.
     const std::string& textMatrix(int r, int c) const;
-    void setTextMatrix(int r, int c, std::string text);
+    // The text is copied into the cell's own storage.
+    void setTextMatrix(int r, int c, std::string_view text);
+    // Sets the texts of all columns of row r at once, as setTextMatrix column by column would.
+    void setRowTexts(int r, const std::array<std::string_view, kCols>& texts);
+    // The same for texts that are mostly parts of one line (the fields of a line read from a
+    // file): inside a bulk the row keeps one copy of the line, and a cell makes its own string
+    // of its part only when it is first read or written.
+    void setRowTexts(int r, std::string_view line,
+                     const std::array<std::string_view, kCols>& texts);
     // The text of the current cell.
     const std::string& text() const { return textMatrix(row_, col_); }
-    void setText(std::string t) { setTextMatrix(row_, col_, std::move(t)); }
+    void setText(std::string_view t) { setTextMatrix(row_, col_, t); }
 
     // The back colour of the current cell; an unset cell reads 0.
     Color cellBackColor() const { return backColorAt(row_, col_); }
@@ -71,19 +94,38 @@ public:
     void beginBulk();
     void endBulk();
 
-private:
-    struct Cell {
-        std::string text;
-        Color back = 0;
+  private:
+    // What a row is made of, the parts written for every row read placed first (a read
+    // touches two cache lines of a row, not all of it).
+    struct Row {
+        std::array<Color, kCols> back{};
+        // While bit c of kept is set, the text of cell c is the part [from[c], from[c] +
+        // size[c]) of line (an empty part for an empty cell), and text[c] is only storage
+        // waiting to be used.
+        uint8_t kept = 0;
+        std::array<uint16_t, kCols> from{};
+        std::array<uint16_t, kCols> size{};
+        std::string line;
+        std::array<std::string, kCols> text;
     };
-    using Row = std::array<Cell, kCols>;
+    static constexpr uint8_t kAllKept = (1u << kCols) - 1;
 
-    const Cell& cell(int r, int c) const;
-    Cell& cell(int r, int c);
+    Row& rowAt(int r) const;  // raises the grid's error for a row that does not exist
+    static void checkCol(int c);
+    static std::string_view textOf(const Row& row, int c);
+    static std::string& ownText(Row& row, int c);  // the cell's own string, made if need be
     void clampCurrent();
+    void currentChanged();
     void notifyCell(int r, int c);
+    static void clearRow(Row& row);
+    void grow(int n);
 
-    std::vector<Row> cells_;
+    // Table row r is pool_[order_[r]] for r < rows_; the pool rows named after that are storage
+    // kept for reuse. Removing rows moves entries of order_, not rows. Mutable: reading a kept
+    // text makes the cell's own string.
+    mutable std::vector<Row> pool_;
+    std::vector<uint32_t> order_;
+    int rows_ = 1;
     int row_ = 0;
     int col_ = 0;
     int topRow_ = 1;

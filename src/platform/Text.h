@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,22 @@ char upperChar(char c);
 char lowerChar(char c);
 std::string upper(std::string_view s);
 std::string lower(std::string_view s);
+// out takes s upper-cased, in the storage out already has.
+void assignUpper(std::string& out, std::string_view s);
+// The n bytes at src upper-cased to dst, which is src itself or does not overlap it.
+void upperCopy(char* dst, const char* src, size_t n);
+
+// out takes s (which may be a part of out), in the storage out already has. Cheaper than
+// std::string::assign for the short texts of cells and nodes that are filled by the thousand.
+inline void copyInto(std::string& out, std::string_view s) {
+    const std::less<const char*> before;
+    if (!before(s.data(), out.data()) && !before(out.data() + out.size(), s.data())) {
+        out.assign(s);  // a part of out itself
+        return;
+    }
+    out.clear();
+    out.append(s);
+}
 
 bool iequals(std::string_view a, std::string_view b);
 // Position of the first occurrence of needle, ignoring case; npos when absent or needle is empty.
@@ -48,6 +65,36 @@ long keyNumber(std::string_view key, char letter);
 
 // Decimal text of a number, without blanks.
 std::string str(long long n);
+
+// Decimal text, after a fixed prefix, of numbers that mostly grow by one from call to call (the
+// rows of a file being read): the digits of the last number are stepped on instead of
+// converted anew.
+class DecimalCounter {
+  public:
+    static constexpr size_t kPrefixMax = 15;
+    // The prefix is cut to kPrefixMax characters.
+    explicit DecimalCounter(std::string_view prefix = {});
+    // The prefix followed by the decimal text of n, valid until the next call.
+    std::string_view text(long long n) {
+        if (valid_ && last_ >= 0 && last_ < n && n - last_ == 1 && buffer_[kEnd - 1] != '9') {
+            ++buffer_[kEnd - 1];  // the common step: only the last digit changes
+            last_ = n;
+            return {buffer_ + begin_ - prefixSize_, kEnd - begin_ + prefixSize_};
+        }
+        return convert(n);
+    }
+
+  private:
+    std::string_view convert(long long n);
+
+    static constexpr size_t kEnd = kPrefixMax + 24;
+    char buffer_[kEnd] = {};
+    char prefix_[kPrefixMax] = {};
+    size_t prefixSize_ = 0;
+    size_t begin_ = kEnd;  // the digits are buffer_[begin_, kEnd)
+    long long last_ = 0;
+    bool valid_ = false;
+};
 
 // Windows-1252 bytes to UTF-8 and back, for the window and for JSON. Bytes the code page leaves
 // undefined (0x81, 0x8D, 0x8F, 0x90, 0x9D) map to the C1 controls of the same value; characters

@@ -3,10 +3,26 @@
 #include <algorithm>
 
 #include "platform/RuntimeError.h"
+#include "platform/Text.h"
 
 namespace vkl {
 
 namespace {
+
+// Whether s begins with prefix, compared in place: stems are a few letters, a library call
+// would cost more than the comparison.
+bool startsWith(std::string_view s, std::string_view prefix) {
+    if (s.size() < prefix.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < prefix.size(); ++i) {
+        if (s[i] != prefix[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 template <typename F, typename... A>
 void call(const F& f, A&&... a) {
     if (f) {
@@ -29,16 +45,223 @@ void TreeNodes::endBulk() {
 
 void TreeNodes::clear() {
     beginBulk();
-    nodes_.assign(1, Node{});
+    nodes_[0].kids.clear();
+    used_ = 1;
     order_.clear();
-    byKey_.clear();
+    for (KeyStem& s : stems_) {
+        std::fill(s.byNumber.begin(), s.byNumber.end(), -1);
+    }
+    std::fill(keyTable_.begin(), keyTable_.end(), KeyEntry{});
+    keyCount_ = 0;
     endBulk();
 }
 
-bool TreeNodes::alive(NodeRef n) const {
-    return n.slot > 0 && static_cast<size_t>(n.slot) < nodes_.size() &&
-           nodes_[static_cast<size_t>(n.slot)].alive && nodes_[static_cast<size_t>(n.slot)].uid == n.uid;
+// ---- Key index -----------------------------------------------------------------------------
+
+uint32_t TreeNodes::hashKey(std::string_view key) {
+    uint32_t h = 2166136261u;  // FNV-1a
+    for (const char c : key) {
+        h = (h ^ static_cast<unsigned char>(c)) * 16777619u;
+    }
+    return h;
 }
+
+size_t TreeNodes::home(uint32_t hash) const {
+    // Multiplicative spreading: keys that differ in their last digit land far apart.
+    return static_cast<size_t>(static_cast<uint32_t>(hash * 2654435769u) >> keyShift_);
+}
+
+size_t TreeNodes::probe(std::string_view key, uint32_t hash) const {
+    const size_t mask = keyTable_.size() - 1;
+    for (size_t at = home(hash);; at = (at + 1) & mask) {
+        const KeyEntry& e = keyTable_[at];
+        if (e.slot < 0 || (e.hash == hash && nodes_[static_cast<size_t>(e.slot)].key == key)) {
+            return at;
+        }
+    }
+}
+
+void TreeNodes::reserveKeys(size_t more) {
+    // At most half full, so that probes stay short and always end at a free place.
+    size_t size = keyTable_.size();
+    if ((keyCount_ + more) * 2 <= size) {
+        return;
+    }
+    if (size == 0) {
+        size = 16;
+    }
+    while ((keyCount_ + more) * 2 > size) {
+        size *= 2;
+    }
+    std::vector<KeyEntry> old(size);
+    old.swap(keyTable_);
+    keyShift_ = 32;
+    for (size_t s = size; s > 1; s /= 2) {
+        --keyShift_;
+    }
+    const size_t mask = size - 1;
+    for (const KeyEntry& e : old) {
+        if (e.slot >= 0) {
+            size_t at = home(e.hash);
+            while (keyTable_[at].slot >= 0) {
+                at = (at + 1) & mask;
+            }
+            keyTable_[at] = e;
+        }
+    }
+}
+
+void TreeNodes::erasePlace(size_t place) {
+    // Backward shift: later entries of the same probe run move up so that no search stops
+    // early at the freed place.
+    const size_t mask = keyTable_.size() - 1;
+    size_t gap = place;
+    for (size_t at = (gap + 1) & mask; keyTable_[at].slot >= 0; at = (at + 1) & mask) {
+        const size_t want = home(keyTable_[at].hash);
+        // The entry may fill the gap unless its home lies cyclically in (gap, at].
+        const bool stays = gap <= at ? (want > gap && want <= at) : (want > gap || want <= at);
+        if (!stays) {
+            keyTable_[gap] = keyTable_[at];
+            gap = at;
+        }
+    }
+    keyTable_[gap] = KeyEntry{};
+    --keyCount_;
+}
+
+bool TreeNodes::splitKey(std::string_view key, std::string_view& stem, uint32_t& number) {
+    size_t at = key.size();
+    while (at > 0 && key[at - 1] >= '0' && key[at - 1] <= '9') {
+        --at;
+    }
+    if (!numberOf(key.substr(at), number)) {
+        return false;
+    }
+    stem = key.substr(0, at);
+    return true;
+}
+bool TreeNodes::numberOf(std::string_view digits, uint32_t& number) {
+    // One spelling per number: no leading zero, so "Child07" is a key of its own.
+    if (digits.empty() || digits.size() > 5 || (digits.size() > 1 && digits[0] == '0')) {
+        return false;
+    }
+    uint32_t n = 0;
+    for (const char c : digits) {
+        const auto digit = static_cast<uint32_t>(static_cast<unsigned char>(c) - '0');
+        if (digit > 9) {
+            return false;
+        }
+        n = n * 10 + digit;
+    }
+    number = n;
+    return n < kMaxStemNumber;
+}
+
+TreeNodes::KeyStem* TreeNodes::matchStem(std::string_view key, uint32_t& number) const {
+    // A stem never ends in a digit, so the digits after a matching stem are exactly the digits
+    // the key ends in. The stem matched last is tried first: keys come in runs of one kind.
+    const size_t count = stems_.size();
+    for (size_t k = 0; k < count; ++k) {
+        const size_t at = k == 0 ? lastStem_ : (k <= lastStem_ ? k - 1 : k);
+        const std::string& stem = stems_[at].stem;
+        if (key.size() > stem.size() && startsWith(key, stem) &&
+            numberOf(key.substr(stem.size()), number)) {
+            lastStem_ = at;
+            return const_cast<KeyStem*>(&stems_[at]);
+        }
+    }
+    return nullptr;
+}
+
+int32_t* TreeNodes::stemCell(std::string_view key, bool make) {
+    uint32_t number = 0;
+    KeyStem* found = matchStem(key, number);
+    if (found == nullptr) {
+        // A stem is taken in only while there are few; keys of further stems are hashed. Stems
+        // are never given up, so a key is always looked for where it was put.
+        std::string_view stem;
+        if (!make || stems_.size() >= kMaxStems || !splitKey(key, stem, number) ||
+            stem.size() > text::DecimalCounter::kPrefixMax) {
+            return nullptr;
+        }
+        found = &stems_.emplace_back(KeyStem{std::string(stem), {}, text::DecimalCounter(stem)});
+    }
+    if (!make && number >= found->byNumber.size()) {
+        return nullptr;
+    }
+    return stemCellOf(*found, number);
+}
+
+int32_t* TreeNodes::stemCellOf(KeyStem& stem, uint32_t number) {
+    std::vector<int32_t>& slots = stem.byNumber;
+    if (number >= slots.size()) {
+        slots.resize(std::max<size_t>(number + 1, slots.size() * 2), -1);
+    }
+    return &slots[number];
+}
+
+int32_t TreeNodes::findSlot(std::string_view key) const {
+    if (key.empty()) {
+        return -1;
+    }
+    uint32_t number = 0;
+    if (const KeyStem* s = matchStem(key, number)) {
+        return number < s->byNumber.size() ? s->byNumber[number] : -1;
+    }
+    if (keyCount_ == 0) {
+        return -1;
+    }
+    return keyTable_[probe(key, hashKey(key))].slot;
+}
+
+void TreeNodes::indexKey(int32_t slot) {
+    tryIndexKey(slot);
+}
+
+bool TreeNodes::tryIndexKey(int32_t slot) {
+    const std::string& key = nodes_[static_cast<size_t>(slot)].key;
+    if (key.empty()) {
+        return true;
+    }
+    if (int32_t* cell = stemCell(key, true)) {
+        if (*cell >= 0) {
+            return false;
+        }
+        *cell = slot;
+        return true;
+    }
+    reserveKeys(1);
+    const uint32_t hash = hashKey(key);
+    const size_t place = probe(key, hash);
+    if (keyTable_[place].slot >= 0) {
+        return false;
+    }
+    keyTable_[place] = {hash, slot};
+    ++keyCount_;
+    return true;
+}
+
+void TreeNodes::unindexKey(int32_t slot) {
+    const std::string& key = nodes_[static_cast<size_t>(slot)].key;
+    if (key.empty()) {
+        return;
+    }
+    if (int32_t* cell = stemCell(key, false)) {
+        if (*cell == slot) {
+            *cell = -1;
+        }
+        return;
+    }
+    if (keyCount_ == 0) {
+        return;
+    }
+    const size_t at = probe(key, hashKey(key));
+    if (keyTable_[at].slot == slot) {
+        erasePlace(at);
+    }
+}
+
+// ---- Nodes ---------------------------------------------------------------------------------
 
 const TreeNodes::Node& TreeNodes::node(NodeRef n) const {
     if (!alive(n)) {
@@ -68,11 +291,16 @@ int32_t TreeNodes::slotOf(NodeRef n) const {
 
 void TreeNodes::insertKid(int32_t parent, int pos, int32_t kid) {
     auto& kids = nodes_[static_cast<size_t>(parent)].kids;
+    nodes_[static_cast<size_t>(kid)].parent = parent;
+    if (static_cast<size_t>(pos) == kids.size()) {
+        kids.push_back(kid);
+        nodes_[static_cast<size_t>(kid)].pos = pos;
+        return;
+    }
     kids.insert(kids.begin() + pos, kid);
     for (size_t i = static_cast<size_t>(pos); i < kids.size(); ++i) {
         nodes_[static_cast<size_t>(kids[i])].pos = static_cast<int>(i);
     }
-    nodes_[static_cast<size_t>(kid)].parent = parent;
 }
 
 void TreeNodes::eraseKid(int32_t parent, int pos) {
@@ -83,29 +311,93 @@ void TreeNodes::eraseKid(int32_t parent, int pos) {
     }
 }
 
-NodeRef TreeNodes::add(const std::string& relativeKey, int relationship, std::string key,
-                       std::string text, std::string image) {
+NodeRef TreeNodes::add(const std::string& relativeKey, int relationship, std::string_view key,
+                       std::string_view text, std::string_view image) {
     NodeRef relative;
     if (!relativeKey.empty()) {
         relative = byKey(relativeKey);
     }
-    return add(relative, relationship, std::move(key), std::move(text), std::move(image));
+    return add(relative, relationship, key, text, image);
 }
 
-NodeRef TreeNodes::add(NodeRef relative, int relationship, std::string key, std::string text,
-                       std::string image) {
+int32_t TreeNodes::newSlot(std::string_view key, std::string_view text, std::string_view image) {
+    // The texts are copied before the node array can grow: they may be views into it.
+    if (used_ == nodes_.size()) {
+        Node fresh;
+        fresh.key.assign(key);
+        fresh.text.assign(text);
+        fresh.image.assign(image);
+        nodes_.push_back(std::move(fresh));
+    } else {
+        Node& reused = nodes_[used_];
+        text::copyInto(reused.key, key);
+        text::copyInto(reused.text, text);
+        if (image.empty()) {
+            reused.image.clear();
+        } else {
+            text::copyInto(reused.image, image);
+        }
+        reused.kids.clear();
+        reused.pos = 0;
+        reused.expanded = false;
+        reused.alive = true;
+    }
+    return static_cast<int32_t>(used_++);
+}
+
+NodeRef TreeNodes::add(NodeRef relative, int relationship, std::string_view key,
+                       std::string_view text, std::string_view image) {
     if (!relative.isNull() && !alive(relative)) {
         throw RuntimeError::elementNotFound();
     }
-    if (!key.empty() && byKey_.count(key) != 0) {
+    // The stem array cell of the key is found once, for the check and for the entry.
+    int32_t* const cell = key.empty() ? nullptr : stemCell(key, true);
+    if (cell != nullptr ? *cell >= 0 : findSlot(key) >= 0) {
         throw RuntimeError::keyNotUnique();
     }
+    return insertNode(relative, relationship, cell, key, text, image);
+}
+
+NodeRef TreeNodes::addNumbered(NodeRef relative, int relationship, std::string_view stem,
+                               long number, std::string_view text, std::string_view image) {
+    if (!relative.isNull() && !alive(relative)) {
+        throw RuntimeError::elementNotFound();
+    }
+    const auto same = [stem](const std::string& known) {
+        return known.size() == stem.size() && startsWith(stem, known);
+    };
+    KeyStem* found = nullptr;
+    if (lastStem_ < stems_.size() && same(stems_[lastStem_].stem)) {
+        found = &stems_[lastStem_];
+    } else {
+        for (size_t k = 0; k < stems_.size() && found == nullptr; ++k) {
+            if (same(stems_[k].stem)) {
+                lastStem_ = k;
+                found = &stems_[k];
+            }
+        }
+    }
+    if (found == nullptr || number < 0 || number >= static_cast<long>(kMaxStemNumber)) {
+        // A stem not taken in yet, or a number beyond the arrays: the key as text decides.
+        std::string key(stem);
+        key += text::str(number);
+        return add(relative, relationship, key, text, image);
+    }
+    int32_t* const cell = stemCellOf(*found, static_cast<uint32_t>(number));
+    if (*cell >= 0) {
+        throw RuntimeError::keyNotUnique();
+    }
+    return insertNode(relative, relationship, cell, found->keys.text(number), text, image);
+}
+
+NodeRef TreeNodes::insertNode(NodeRef relative, int relationship, int32_t* cell,
+                              std::string_view key, std::string_view text, std::string_view image) {
     int32_t parent = 0;
     int pos = 0;
     if (relative.isNull()) {
         pos = static_cast<int>(nodes_[0].kids.size());
     } else {
-        const Node& rel = node(relative);
+        const Node& rel = nodes_[static_cast<size_t>(relative.slot)];  // alive, checked above
         switch (relationship) {
             case kChild:
                 parent = relative.slot;
@@ -134,17 +426,15 @@ NodeRef TreeNodes::add(NodeRef relative, int relationship, std::string key, std:
     if (bulk_ == 0) {
         call(observer_.aboutToInsert, refOf(parent), pos);
     }
-    const auto slot = static_cast<int32_t>(nodes_.size());
-    Node n;
-    n.key = std::move(key);
-    n.text = std::move(text);
-    n.image = std::move(image);
+    const int32_t slot = newSlot(key, text, image);
+    Node& n = nodes_[static_cast<size_t>(slot)];
     n.uid = nextUid_++;
     n.index = count() + 1;
-    nodes_.push_back(std::move(n));
     order_.push_back(slot);
-    if (!nodes_.back().key.empty()) {
-        byKey_.emplace(nodes_.back().key, slot);
+    if (cell != nullptr) {
+        *cell = slot;
+    } else {
+        indexKey(slot);
     }
     insertKid(parent, pos, slot);
     if (bulk_ == 0) {
@@ -154,13 +444,12 @@ NodeRef TreeNodes::add(NodeRef relative, int relationship, std::string key, std:
 }
 
 void TreeNodes::collectSubtree(int32_t slot, std::vector<int32_t>& out) const {
-    std::vector<int32_t> stack{slot};
-    while (!stack.empty()) {
-        const int32_t s = stack.back();
-        stack.pop_back();
-        out.push_back(s);
-        const auto& kids = nodes_[static_cast<size_t>(s)].kids;
-        stack.insert(stack.end(), kids.begin(), kids.end());
+    // Level by level, out itself holding the nodes still to be opened.
+    const size_t first = out.size();
+    out.push_back(slot);
+    for (size_t i = first; i < out.size(); ++i) {
+        const auto& kids = nodes_[static_cast<size_t>(out[i])].kids;
+        out.insert(out.end(), kids.begin(), kids.end());
     }
 }
 
@@ -187,11 +476,9 @@ void TreeNodes::remove(NodeRef n) {
     std::vector<int32_t> gone;
     collectSubtree(n.slot, gone);
     for (int32_t s : gone) {
+        unindexKey(s);
         Node& dead = nodes_[static_cast<size_t>(s)];
         dead.alive = false;
-        if (!dead.key.empty()) {
-            byKey_.erase(dead.key);
-        }
         dead.kids.clear();
     }
     eraseKid(parent, pos);
@@ -204,24 +491,24 @@ void TreeNodes::remove(NodeRef n) {
 void TreeNodes::removeMany(const std::vector<NodeRef>& targets) {
     beginBulk();
     std::vector<int32_t> parentsTouched;
+    std::vector<char> touched(used_, 0);
+    std::vector<int32_t> gone;
     for (const NodeRef& n : targets) {
         if (!alive(n)) {
             continue;
         }
-        std::vector<int32_t> gone;
+        gone.clear();
         collectSubtree(n.slot, gone);
         for (int32_t s : gone) {
-            Node& dead = nodes_[static_cast<size_t>(s)];
-            dead.alive = false;
-            if (!dead.key.empty()) {
-                byKey_.erase(dead.key);
-            }
+            unindexKey(s);
+            nodes_[static_cast<size_t>(s)].alive = false;
         }
-        parentsTouched.push_back(nodes_[static_cast<size_t>(n.slot)].parent);
+        const int32_t parent = nodes_[static_cast<size_t>(n.slot)].parent;
+        if (touched[static_cast<size_t>(parent)] == 0) {
+            touched[static_cast<size_t>(parent)] = 1;
+            parentsTouched.push_back(parent);
+        }
     }
-    std::sort(parentsTouched.begin(), parentsTouched.end());
-    parentsTouched.erase(std::unique(parentsTouched.begin(), parentsTouched.end()),
-                         parentsTouched.end());
     for (int32_t p : parentsTouched) {
         Node& parent = nodes_[static_cast<size_t>(p)];
         if (p != 0 && !parent.alive) {
@@ -247,8 +534,7 @@ NodeRef TreeNodes::byIndex(int index) const {
 }
 
 NodeRef TreeNodes::find(const std::string& key) const {
-    const auto it = byKey_.find(key);
-    return it == byKey_.end() ? NodeRef{} : refOf(it->second);
+    return refOf(findSlot(key));
 }
 
 NodeRef TreeNodes::byKey(const std::string& key) const {
@@ -264,55 +550,52 @@ void TreeNodes::setKey(NodeRef n, std::string key) {
     if (target.key == key) {
         return;
     }
-    if (!key.empty() && byKey_.count(key) != 0) {
+    if (findSlot(key) >= 0) {
         throw RuntimeError::keyNotUnique();
     }
-    if (!target.key.empty()) {
-        byKey_.erase(target.key);
-    }
+    unindexKey(n.slot);
     target.key = std::move(key);
-    if (!target.key.empty()) {
-        byKey_.emplace(target.key, n.slot);
-    }
+    indexKey(n.slot);
 }
 
 void TreeNodes::rekey(const std::vector<std::pair<NodeRef, std::string>>& changes) {
     for (const auto& [n, k] : changes) {
         node(n);
     }
-    // Check first so that a clash changes nothing.
-    std::unordered_map<std::string, int32_t> taken;
-    std::vector<char> moving(nodes_.size(), 0);
+    // All old keys are released before any new one is taken; a clash puts the old ones back.
+    std::vector<std::string> old;
+    old.reserve(changes.size());
+    std::vector<char> renamed(used_, 0);
     for (const auto& [n, k] : changes) {
-        moving[static_cast<size_t>(n.slot)] = 1;
+        old.push_back(nodes_[static_cast<size_t>(n.slot)].key);
+        unindexKey(n.slot);
     }
-    for (const auto& [n, k] : changes) {
-        if (k.empty()) {
-            continue;
+    size_t done = 0;
+    for (; done < changes.size(); ++done) {
+        const auto& [n, k] = changes[done];
+        if (renamed[static_cast<size_t>(n.slot)] != 0) {
+            unindexKey(n.slot);  // a node named twice gives up the key it took the first time
         }
-        const auto it = byKey_.find(k);
-        if (it != byKey_.end() && !moving[static_cast<size_t>(it->second)]) {
-            throw RuntimeError::keyNotUnique();
-        }
-        if (!taken.emplace(k, n.slot).second) {
-            throw RuntimeError::keyNotUnique();
-        }
-    }
-    for (const auto& [n, k] : changes) {
-        Node& target = nodes_[static_cast<size_t>(n.slot)];
-        if (!target.key.empty()) {
-            const auto it = byKey_.find(target.key);
-            if (it != byKey_.end() && it->second == n.slot) {
-                byKey_.erase(it);
-            }
-        }
-    }
-    for (const auto& [n, k] : changes) {
+        renamed[static_cast<size_t>(n.slot)] = 1;
         nodes_[static_cast<size_t>(n.slot)].key = k;
-        if (!k.empty()) {
-            byKey_[k] = n.slot;
+        if (!tryIndexKey(n.slot)) {
+            break;
         }
     }
+    if (done == changes.size()) {
+        return;
+    }
+    for (size_t i = 0; i <= done; ++i) {
+        unindexKey(changes[i].first.slot);
+    }
+    for (size_t i = 0; i <= done; ++i) {
+        nodes_[static_cast<size_t>(changes[i].first.slot)].key = old[i];
+    }
+    for (const auto& [n, k] : changes) {
+        unindexKey(n.slot);
+        indexKey(n.slot);
+    }
+    throw RuntimeError::keyNotUnique();
 }
 
 void TreeNodes::setText(NodeRef n, std::string text) {
@@ -346,15 +629,23 @@ void TreeNodes::setExpanded(NodeRef n, bool expanded) {
 }
 
 void TreeNodes::ensureVisible(NodeRef n) {
-    for (NodeRef p = parent(n); !p.isNull(); p = parent(p)) {
-        setExpanded(p, true);
+    for (int32_t p = node(n).parent; p != 0; p = nodes_[static_cast<size_t>(p)].parent) {
+        Node& up = nodes_[static_cast<size_t>(p)];
+        if (!up.expanded) {
+            up.expanded = true;
+            if (bulk_ == 0) {
+                call(observer_.expandedChanged, refOf(p));
+            }
+        }
     }
     if (bulk_ == 0) {
         call(observer_.ensureVisible, n);
     }
 }
 
-NodeRef TreeNodes::parent(NodeRef n) const { return refOf(node(n).parent); }
+NodeRef TreeNodes::parent(NodeRef n) const {
+    return refOf(node(n).parent);
+}
 
 NodeRef TreeNodes::child(NodeRef n) const {
     const auto& kids = node(n).kids;
@@ -387,7 +678,9 @@ NodeRef TreeNodes::lastSibling(NodeRef n) const {
     return refOf(nodes_[static_cast<size_t>(node(n).parent)].kids.back());
 }
 
-int TreeNodes::children(NodeRef n) const { return static_cast<int>(node(n).kids.size()); }
+int TreeNodes::children(NodeRef n) const {
+    return static_cast<int>(node(n).kids.size());
+}
 
 NodeRef TreeNodes::childAt(NodeRef parent, int pos) const {
     const auto& kids = nodes_[static_cast<size_t>(slotOf(parent))].kids;

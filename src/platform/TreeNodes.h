@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
+
+#include "platform/Text.h"
 
 namespace vkl {
 
@@ -22,7 +24,7 @@ struct NodeRef {
 // removing a node removes its subtree and closes the gap; re-parenting keeps the index.
 // Indices are 1-based. Errors are those of the tree control (see RuntimeError).
 class TreeNodes {
-public:
+  public:
     enum Relationship { kFirst = 0, kLast = 1, kNext = 2, kPrevious = 3, kChild = 4 };
 
     struct Observer {
@@ -35,23 +37,30 @@ public:
         std::function<void()> removed;
         std::function<void(NodeRef from, int fromPos, NodeRef to, int toPos)> aboutToMove;
         std::function<void()> moved;
-        std::function<void(NodeRef)> changed;          // text or image
+        std::function<void(NodeRef)> changed;  // text or image
         std::function<void(NodeRef)> expandedChanged;
-        std::function<void(NodeRef)> ensureVisible;    // the view should scroll it into sight
+        std::function<void(NodeRef)> ensureVisible;  // the view should scroll it into sight
     };
 
     int count() const { return static_cast<int>(order_.size()); }
+    // Removes every node. The storage of the nodes is kept for the next ones: a menu opened
+    // over another refills the tree without allocating again.
     void clear();
 
     // Nodes.Add: with a null relative the node is appended as a top-level node; otherwise it is
     // placed by relationship to the relative. A missing relative raises "Element not found",
     // a key already in use raises "Key is not unique in collection". An empty key is allowed
-    // and not indexed.
-    NodeRef add(NodeRef relative, int relationship, std::string key, std::string text,
-                std::string image = {});
+    // and not indexed. The texts are copied (they may be views of other nodes' texts).
+    NodeRef add(NodeRef relative, int relationship, std::string_view key, std::string_view text,
+                std::string_view image = {});
     // The same with the relative given by key; an empty relative key means no relative.
-    NodeRef add(const std::string& relativeKey, int relationship, std::string key,
-                std::string text, std::string image = {});
+    NodeRef add(const std::string& relativeKey, int relationship, std::string_view key,
+                std::string_view text, std::string_view image = {});
+    // The same with the key given as a stem and a number, the way the editor names its nodes
+    // ("Child" and 12 for "Child12"): the reader adds one node per line this way, without
+    // writing each key out and reading it back.
+    NodeRef addNumbered(NodeRef relative, int relationship, std::string_view stem, long number,
+                        std::string_view text, std::string_view image = {});
 
     // Removes the node and its whole subtree.
     void remove(NodeRef node);
@@ -65,7 +74,11 @@ public:
     NodeRef byKey(const std::string& key) const;
     NodeRef find(const std::string& key) const;
 
-    bool alive(NodeRef n) const;
+    bool alive(NodeRef n) const {
+        return n.slot > 0 && static_cast<size_t>(n.slot) < used_ &&
+               nodes_[static_cast<size_t>(n.slot)].alive &&
+               nodes_[static_cast<size_t>(n.slot)].uid == n.uid;
+    }
 
     const std::string& key(NodeRef n) const { return node(n).key; }
     const std::string& text(NodeRef n) const { return node(n).text; }
@@ -108,8 +121,10 @@ public:
     void setObserver(Observer o) { observer_ = std::move(o); }
     void beginBulk();
     void endBulk();
+    // Inside beginBulk/endBulk: the observer hears nothing but the final reset.
+    bool inBulk() const { return bulk_ > 0; }
 
-private:
+  private:
     struct Node {
         std::string key;
         std::string text;
@@ -123,6 +138,22 @@ private:
         bool alive = true;
     };
 
+    // One place of the hashed key index: a slot (negative when the place is free) and the
+    // hash of its node's key, so that probing compares texts only on a full hash match.
+    struct KeyEntry {
+        uint32_t hash = 0;
+        int32_t slot = -1;
+    };
+    // Keys made of a stem and a number ("Child12", "Menu3": every key the editor gives) are
+    // indexed by number in one array per stem, which the reader fills in order.
+    struct KeyStem {
+        std::string stem;
+        std::vector<int32_t> byNumber;  // slots; negative where no node has the key
+        text::DecimalCounter keys;      // the key texts, stem and number
+    };
+    static constexpr size_t kMaxStems = 4;
+    static constexpr uint32_t kMaxStemNumber = 1u << 16;
+
     const Node& node(NodeRef n) const;
     Node& node(NodeRef n);
     NodeRef refOf(int32_t slot) const;
@@ -131,10 +162,41 @@ private:
     void eraseKid(int32_t parent, int pos);
     void collectSubtree(int32_t slot, std::vector<int32_t>& out) const;
     void compactIndices();
+    int32_t newSlot(std::string_view key, std::string_view text, std::string_view image);
+    // Places a new node whose key (if any) has been checked; cell is its stem array cell.
+    NodeRef insertNode(NodeRef relative, int relationship, int32_t* cell, std::string_view key,
+                       std::string_view text, std::string_view image);
+    int32_t* stemCellOf(KeyStem& stem, uint32_t number);
 
+    // The key index. Stem-and-number keys go to the stem arrays; all others to a hash table
+    // (open addressing, linear probing) over the keys held by the nodes.
+    static bool numberOf(std::string_view digits, uint32_t& number);
+    static bool splitKey(std::string_view key, std::string_view& stem, uint32_t& number);
+    KeyStem* matchStem(std::string_view key, uint32_t& number) const;
+    // The stem array cell of key, grown to hold it when make is set; null when the key is not
+    // of that form (or, without make, beyond the array).
+    int32_t* stemCell(std::string_view key, bool make);
+    static uint32_t hashKey(std::string_view key);
+    size_t home(uint32_t hash) const;
+    // The place holding key, or the free place where a search for it ends.
+    size_t probe(std::string_view key, uint32_t hash) const;
+    void reserveKeys(size_t more);
+    void erasePlace(size_t place);
+    int32_t findSlot(std::string_view key) const;  // negative when no node has the key
+    void indexKey(int32_t slot);                   // the node's key must not be indexed yet
+    bool tryIndexKey(int32_t slot);  // false, and nothing indexed, when the key is taken
+    void unindexKey(int32_t slot);   // drops the node's key if the index holds it for this node
+
+    // Slots [1, used_) hold the nodes made since the last clear (dead ones included); slots
+    // from used_ on are storage kept for reuse.
     std::vector<Node> nodes_ = std::vector<Node>(1);  // slot 0: super-root
-    std::vector<int32_t> order_;                      // index-1 -> slot
-    std::unordered_map<std::string, int32_t> byKey_;
+    size_t used_ = 1;
+    std::vector<int32_t> order_;  // index-1 -> slot
+    std::vector<KeyStem> stems_;
+    mutable size_t lastStem_ = 0;  // where the stems are searched first
+    std::vector<KeyEntry> keyTable_;
+    size_t keyCount_ = 0;
+    int keyShift_ = 32;
     uint64_t nextUid_ = 1;
     int bulk_ = 0;
     Observer observer_;

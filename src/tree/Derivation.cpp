@@ -22,12 +22,14 @@ class BulkNodes {
     TreeNodes& nodes_;
 };
 
+// keys::item(row) is this stem followed by the row.
+constexpr std::string_view kItemStem = "Child";
+
 constexpr std::string_view kPlaceholderEn = "[New Item]";
 constexpr std::string_view kPlaceholderDe = "[Neue Zeile]";
 
 NodeRef addRoot(TreeNodes& nodes) {
-    return nodes.add(NodeRef{}, TreeNodes::kChild, std::string(keys::kRoot),
-                     std::string(keys::kRootText), std::string(kRootImage));
+    return nodes.add(NodeRef{}, TreeNodes::kChild, keys::kRoot, keys::kRootText, kRootImage);
 }
 
 }  // namespace
@@ -46,6 +48,7 @@ NodeRef levelParent(const TreeNodes& nodes, const TreeState& state, NodeRef root
 void LevelDerivation::begin() {
     nodes_.clear();
     root_ = addRoot(nodes_);
+    visibleParent_ = {};
     state_.resetBitmapList();
 }
 
@@ -56,27 +59,40 @@ NodeRef LevelDerivation::parentFor(int16_t level) {
     }
     // Others may have cut the array shorter than the deepest level; never index past it.
     state_.growLevels(std::max<int>(level, state_.deepestLevel));
+    if (level > 1) {
+        // Mostly the level node one up is there: the search below would stop at it at once.
+        const NodeRef up = state_.levelNodes[static_cast<size_t>(level) - 1];
+        if (nodes_.alive(up)) {
+            return up;
+        }
+    }
     if (!nodes_.alive(root_)) {
         root_ = nodes_.find(std::string(keys::kRoot));
     }
     return levelParent(nodes_, state_, root_, level);
 }
 
-NodeRef LevelDerivation::place(int16_t level, NodeRef node) {
+NodeRef LevelDerivation::place(int16_t level, NodeRef parent, NodeRef node) {
     state_.levelNodes[static_cast<size_t>(level)] = node;
     if (level > 1) {
-        nodes_.ensureVisible(node);
+        // Nothing folds a node up while a file is read: once a node was made visible, its
+        // later siblings are visible too, and with the views silent there is nothing to tell.
+        if (parent != visibleParent_ || !nodes_.inBulk()) {
+            nodes_.ensureVisible(node);
+            visibleParent_ = parent;
+        }
     }
     return node;
 }
 
-NodeRef LevelDerivation::submenu(int16_t level, std::string title, std::string_view bitmapField) {
+NodeRef LevelDerivation::submenu(int16_t level, std::string_view title,
+                                 std::string_view bitmapField) {
     const int16_t serial = add16(state_.nodeSerial, 1);
     state_.nodeSerial = serial;
     const NodeRef parent = parentFor(level);
-    const NodeRef node = nodes_.add(parent, TreeNodes::kChild, keys::folder(serial),
-                                    std::move(title), std::string(kFolderImage));
-    place(level, node);
+    const NodeRef node =
+        nodes_.add(parent, TreeNodes::kChild, keys::folder(serial), title, kFolderImage);
+    place(level, parent, node);
     std::string bitmap = text::trim(bitmapField);
     if (!bitmap.empty()) {
         if (state_.submenuBitmaps.size() <= static_cast<size_t>(serial)) {
@@ -90,9 +106,18 @@ NodeRef LevelDerivation::submenu(int16_t level, std::string title, std::string_v
 
 NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleField) {
     const NodeRef parent = parentFor(level);
-    const NodeRef node =
-        nodes_.add(parent, TreeNodes::kChild, keys::item(row), text::upper(titleField));
-    return place(level, node);
+    // keys::item(row) and the upper-cased title, built without allocating: one node per line.
+    char shortTitle[96];
+    std::string_view title;
+    if (titleField.size() <= sizeof shortTitle) {
+        text::upperCopy(shortTitle, titleField.data(), titleField.size());
+        title = std::string_view(shortTitle, titleField.size());
+    } else {
+        text::assignUpper(title_, titleField);
+        title = title_;
+    }
+    const NodeRef node = nodes_.addNumbered(parent, TreeNodes::kChild, kItemStem, row, title);
+    return place(level, parent, node);
 }
 
 void LevelDerivation::end() {

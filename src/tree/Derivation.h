@@ -6,6 +6,7 @@
 
 #include "platform/Grid.h"
 #include "platform/MenuState.h"
+#include "platform/Text.h"
 #include "platform/TreeNodes.h"
 
 // Building the tree: level by level while a menu file is read, or flat from the table.
@@ -29,7 +30,7 @@ class LevelDerivation {
     void begin();
     // A submenu line: the next serial, a folder node under the level parent, and its bitmap
     // (field 1 trimmed; stored only when not empty). Returns the folder node.
-    NodeRef submenu(int16_t level, std::string title, std::string_view bitmapField);
+    NodeRef submenu(int16_t level, std::string_view title, std::string_view bitmapField);
     // An item line whose table row the reader has just appended: node "Child" + row with the
     // title upper-cased. Returns the item node.
     NodeRef item(int16_t level, long row, std::string_view titleField);
@@ -39,12 +40,14 @@ class LevelDerivation {
     NodeRef root() const { return root_; }
 
   private:
-    NodeRef place(int16_t level, NodeRef node);
+    NodeRef place(int16_t level, NodeRef parent, NodeRef node);
     NodeRef parentFor(int16_t level);
 
     TreeNodes& nodes_;
     TreeState& state_;
     NodeRef root_;
+    NodeRef visibleParent_;  // the parent of the node last made visible
+    std::string title_;      // the upper-cased title of a long item title, storage reused
 };
 
 // Flat derivation from the table: acts only on an empty tree; every row r becomes a child

@@ -1,0 +1,528 @@
+#!/usr/bin/env python3
+"""Runs the built vklcheck on menu files and checks what it prints, writes and returns.
+
+usage: vklcheck_test.py GROUP VKLCHECK DATA_DIR
+"""
+
+import json
+import os
+import random
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+VKL = ""
+CLI_DATA = ""
+TMP = ""
+failures = []
+
+COMMENTS = [
+    "# Created by VKL Editor",
+    "# Submenus are automatically distinguished by spaces",
+]
+HEADER = [
+    "1124165 # this is a unique library name - not visible for user",
+    "About",
+    "Powered by Loomvault  # 2.text",
+    "www.loomvault.com",
+    "All rights reserved",
+    "Title",
+    "16",
+    "16",
+    "10",
+    "10",
+    "11",
+    "11",
+]
+LIBRARY_LINE = re.compile(rb"^[0-9]{4,8} # this is a unique library name - not visible for user$")
+CHECK_FAILED_EN = ("Check before saving failed ! - Table is all empty or all existing lines have "
+                   "missing entries  ! Nothing to save !")
+SEVEN_KEYS = ["header", "shortcuts", "rows", "tree", "submenuBitmaps", "skipped", "fatal"]
+
+
+def expect(cond, what):
+    if not cond:
+        failures.append(what)
+
+
+def expect_eq(actual, expected, what):
+    if actual != expected:
+        failures.append(f"{what}:\n  expected {expected!r}\n  actual   {actual!r}")
+
+
+def run(*args, cwd=None):
+    """Runs vklcheck; returns exit status, stdout and stderr (both must be UTF-8)."""
+    p = subprocess.run([VKL, *args], capture_output=True, cwd=cwd or TMP, timeout=240)
+    err = p.stderr.decode("utf-8", "replace")
+    # Whatever the input, the tool ends by itself and the sanitizers stay quiet.
+    expect(p.returncode >= 0, f"vklcheck {args[:3]} died of signal {-p.returncode}")
+    expect("Sanitizer" not in err and "runtime error:" not in err,
+           f"vklcheck {args[:3]} sanitizer report:\n{err[:2000]}")
+    try:
+        out = p.stdout.decode("utf-8")
+    except UnicodeDecodeError as e:
+        failures.append(f"vklcheck {args[:3]} printed no UTF-8: {e}")
+        out = ""
+    return p.returncode, out, err
+
+
+def run_json(*args):
+    code, out, err = run("--json", *args)
+    try:
+        return code, json.loads(out), err
+    except json.JSONDecodeError as e:
+        failures.append(f"vklcheck --json {args[:3]} printed no JSON: {e}: {out[:300]!r}")
+        return code, {}, err
+
+
+def cp1252(text):
+    """Windows-1252 bytes; the five bytes the code page leaves undefined are written as such."""
+    return b"".join(c.encode("cp1252") if ord(c) not in (0x81, 0x8D, 0x8F, 0x90, 0x9D)
+                    else bytes([ord(c)]) for c in text)
+
+
+def write(name, lines, header=HEADER, comments=COMMENTS, end="\r\n"):
+    return write_bytes(name, cp1252(end.join(list(comments) + list(header) + list(lines)) + end))
+
+
+def write_bytes(name, data):
+    path = os.path.join(TMP, name)
+    with open(path, "wb") as f:
+        f.write(data)
+    return path
+
+
+def data(name):
+    return os.path.join(CLI_DATA, name)
+
+
+def lines_of(path):
+    with open(path, "rb") as f:
+        return f.read().split(b"\r\n")
+
+
+def expect_saved_as(out_path, expected_path, what):
+    """The bytes written equal the expected file, the library-name line (15) aside."""
+    if not os.path.exists(out_path):
+        failures.append(f"{what}: {out_path} was not written")
+        return
+    got, want = lines_of(out_path), lines_of(expected_path)
+    expect(LIBRARY_LINE.match(got[14]) is not None, f"{what}: library-name line {got[14]!r}")
+    expect_eq(got[:14] + got[15:], want[:14] + want[15:], f"{what}: saved lines")
+
+
+# ---- Groups ---------------------------------------------------------------------------------
+
+
+def group_findings():
+    code, out, _ = run("sheetmetal.vkl", cwd=CLI_DATA)
+    expect_eq(out.splitlines(), [
+        "sheetmetal.vkl:30: wrong number of fields:  Hem|hem.bmp|F|sm_hem|closed",
+        "sheetmetal.vkl:31: empty parameter:  Relief cut|relief.bmp|F| ",
+        "sheetmetal.vkl:32: submenu without children is not saved: Cutouts|cut.bmp|S|Cutouts",
+        "sheetmetal.vkl:33: table line 2 has missing entries and is not saved: "
+        "Punch library|punch.bmp|LOS|D:\\Sheet\\pkg\\",
+        "sheetmetal.vkl:35: empty title: |about.bmp|D|sm_about",
+        "sheetmetal.vkl:36: empty action: Export DXF|dxf.bmp||sm_dxf",
+        "sheetmetal.vkl: 3 rows, 2 submenus, 1 SHORTCUT pair, 4 skipped lines",
+    ], "findings of sheetmetal.vkl")
+    _, out, _ = run("woodshop.vkl", cwd=CLI_DATA)
+    expect_eq(out, "woodshop.vkl: 9 rows, 3 submenus, 2 SHORTCUT pairs, 0 skipped lines\n",
+              "a clean menu gives the summary only")
+
+    # The header takes lines by position: menu lines inside it are swallowed (positions 2 and
+    # 6 are read back whole and not reported; two or four "|" do not look like a menu line).
+    write("short.vkl", [], comments=["# c"], header=[
+        "lib", "About|x|y|z", "Menu|a.bmp|F|f", "Short|cut|x", "p5", "T|t.bmp|F|t",
+        "Sub|s.bmp|S|Sub", "Five|a|b|c|d"])
+    _, out, _ = run("short.vkl")
+    expect_eq(out.splitlines(), [
+        "short.vkl:4: header position 3 looks like a menu line: Menu|a.bmp|F|f",
+        "short.vkl:8: header position 7 looks like a menu line: Sub|s.bmp|S|Sub",
+        "short.vkl:9: the file ends inside the header: Five|a|b|c|d",
+        "short.vkl: 0 rows, 0 submenus, 0 SHORTCUT pairs, 0 skipped lines",
+    ], "header findings")
+    write("pos12.vkl", ["A|a.bmp|F|f"], header=HEADER[:11] + ["X|x.bmp|F|x"])
+    _, out, _ = run("pos12.vkl")
+    expect_eq(out.splitlines(), [
+        "pos12.vkl:14: header position 12 looks like a menu line: X|x.bmp|F|x",
+        "pos12.vkl: 1 row, 0 submenus, 0 SHORTCUT pairs, 0 skipped lines",
+    ], "the twelfth header line is swallowed too")
+    write_bytes("comments.vkl", b"# a\r\n\r\n# b\r\n")
+    write_bytes("empty.vkl", b"")
+    expect_eq(run("comments.vkl")[1].splitlines()[0], "comments.vkl:3: the file ends inside the header",
+              "a file of comments ends inside the header at its last line")
+    expect_eq(run("empty.vkl")[1].splitlines()[0], "empty.vkl: the file ends inside the header",
+              "an empty file has no line to point at")
+
+    # Physical line numbers across LF, CR and CR LF; the first reason that applies; the text
+    # in UTF-8 with control bytes spelled out.
+    head = "\n".join(HEADER).encode() + b"\n"
+    write_bytes("lines.vkl", head + b"ok|a|F|f\rbad \xe4|x\r\nA|b|F|f\n\x01bad\x00|F\n"
+                b"|x|F\n |x| |y\nT|x| | \nT|x|F|\n")
+    _, out, _ = run("lines.vkl")
+    expect_eq(out.splitlines(), [
+        "lines.vkl:14: wrong number of fields: bad \u00e4|x",
+        "lines.vkl:16: wrong number of fields: \\x01bad\\x00|F",
+        "lines.vkl:17: wrong number of fields: |x|F",
+        "lines.vkl:18: empty title:  |x| |y",
+        "lines.vkl:19: empty action: T|x| | ",
+        "lines.vkl:20: empty parameter: T|x|F|",
+        "lines.vkl: 2 rows, 0 submenus, 0 SHORTCUT pairs, 6 skipped lines",
+    ], "line numbers, reasons and texts")
+
+
+def woodshop_json():
+    row = lambda n, t, b, a, p, p6=None: [str(n), t, b, a, p, b, p6 or p]
+    item = lambda row, text: {"key": f"Child{row}", "text": text, "image": "", "children": []}
+    folder = lambda serial, text, kids: {"key": f"Menu{serial}", "text": text,
+                                         "image": "folderclosed", "children": kids}
+    return {
+        "header": {"Text2": "Cabinet",
+                   "Text3": "Cabinet tools for Brindlemark # 1. text in the [About] box",
+                   "Combo2": "60", "Combo3": "60", "Datadir": "C:\\Cabinet\\data",
+                   "Imagedir": "[installdir]\\bitmaps"},
+        "shortcuts": [["datadir", "C:\\Cabinet\\data"], ["bmpdir", "[installdir]\\bitmaps"]],
+        "rows": [
+            row(1, "Dowel holes", "dowel.bmp", "F", "cab_dowel"),
+            row(2, "Hinge cup 35 mm", "hinge.bmp", "F", "cab_hinge"),
+            row(3, "Shelf pins", "pins.bmp", "D", "cab_shelfpins"),
+            row(4, "Carcass side", "side.bmp", "LOS", "side.pkg", "C:\\Cabinet\\pkg\\side.pkg"),
+            row(5, "Back panel", "back.bmp", "LWM", "back_panel"),
+            row(6, "Door", "door.bmp", "LMM", "door_std"),
+            row(7, "Drawer front", "drawer.bmp", "LMM", "drawer_std"),
+            row(8, "H\u00f6he \u00e4ndern", "height.bmp", "D", "cab_height"),
+            row(9, "Parts list", "", "P", "C:\\Cabinet\\bin\\partslist.exe"),
+        ],
+        "tree": {"key": "Menu0", "text": "Top Menu", "image": "root", "children": [
+            folder(1, "Drilling", [item(1, "DOWEL HOLES"), item(2, "HINGE CUP 35 MM"),
+                                   item(3, "SHELF PINS")]),
+            folder(2, "Panels", [item(4, "CARCASS SIDE"), item(5, "BACK PANEL"),
+                                 folder(3, "Fronts", [item(6, "DOOR"), item(7, "DRAWER FRONT")])]),
+            item(8, "H\u00d6HE \u00c4NDERN"),
+            item(9, "PARTS LIST"),
+        ]},
+        "submenuBitmaps": {"1": "drill.bmp", "2": "panel.bmp", "3": "fronts.bmp"},
+        "skipped": [],
+        "fatal": None,
+    }
+
+
+def group_json():
+    _, got, _ = run_json(data("woodshop.vkl"))
+    expect_eq(list(got.keys()), SEVEN_KEYS, "the seven keys in order")
+    for key, value in woodshop_json().items():
+        expect_eq(got.get(key), value, f"woodshop.vkl {key}")
+
+    _, got, _ = run_json(data("sheetmetal.vkl"))
+    expect_eq(got.get("skipped"), [
+        {"line": 30, "text": " Hem|hem.bmp|F|sm_hem|closed", "reason": "wrong number of fields"},
+        {"line": 31, "text": " Relief cut|relief.bmp|F| ", "reason": "empty parameter"},
+        {"line": 35, "text": "|about.bmp|D|sm_about", "reason": "empty title"},
+        {"line": 36, "text": "Export DXF|dxf.bmp||sm_dxf", "reason": "empty action"},
+    ], "skipped lines of sheetmetal.vkl")
+    expect_eq(got.get("submenuBitmaps"), {"1": "bend.bmp", "2": "cut.bmp"},
+              "bitmaps of sheetmetal.vkl, the empty submenu's included")
+
+    # A third SHORTCUT line ends the reading: what came before is reported, the line itself
+    # only as the fatal error, and nothing after it is read.
+    write("third.vkl", ["SHORTCUT|bmpdir|B:\\mp", "A\u20ac|a.bmp|F|f", "bad|line", "Sub||S|Sub",
+                        " \xff\x81|b.bmp|D|d", "SHORTCUT|k|v", "SHORTCUT|k2|v2", "After|c|F|g"])
+    code, got, _ = run_json("third.vkl")
+    expect_eq(got.get("fatal"), {"line": 21, "error": 9, "description": "Subscript out of range"},
+              "fatal of a third SHORTCUT line")
+    expect_eq(got.get("skipped"), [{"line": 17, "text": "bad|line",
+                                    "reason": "wrong number of fields"}], "skipped before it")
+    expect_eq(got.get("shortcuts"), [["bmpdir", "B:\\mp"], ["k", "v"]], "pairs as stored")
+    expect_eq(got.get("header", {}).get("Imagedir"), "B:\\mp", "bmpdir fills Imagedir")
+    expect_eq(got.get("rows"), [["1", "A\u20ac", "a.bmp", "F", "f", "a.bmp", "f"],
+                                ["2", "\u00ff\u0081", "b.bmp", "D", "d", "b.bmp", "d"]],
+              "rows read before the error, Windows-1252 in UTF-8")
+    tree = got.get("tree", {})
+    expect_eq([c["text"] for c in tree.get("children", [])], ["A\u20ac", "Sub"], "top level")
+    expect_eq(tree.get("children", [{}, {}])[1].get("children"),
+              [{"key": "Child2", "text": "\u0178\u0081", "image": "", "children": []}],
+              "item titles upper-cased in the code page (\u00ff becomes \u0178)")
+    expect_eq(code, 2, "a run-time error ends with status 2, JSON printed all the same")
+
+
+def group_resave():
+    out = os.path.join(TMP, "woodshop.out.vkl")
+    code, text, err = run("--resave", out, data("woodshop.vkl"))
+    expect_saved_as(out, data("woodshop.resaved.vkl"), "woodshop resaved")
+    expect_eq((code, err), (0, ""), "a clean resave says nothing on stderr")
+    # The editor writes the directory fields once more in their own form; the file it saved
+    # thus holds four SHORTCUT lines and ends the editor when it is opened again.
+    expect(":29: third SHORTCUT line ends the editor (run-time error 9)" in run(out)[1],
+           "the resaved menu trips over its own SHORTCUT lines")
+
+    out = os.path.join(TMP, "sheetmetal.out.vkl")
+    code, text, err = run("--json", "--resave", out, data("sheetmetal.vkl"))
+    expect_saved_as(out, data("sheetmetal.resaved.vkl"), "sheetmetal resaved")
+    expect_eq(err.splitlines(), [
+        "Menu 'Cutouts' without children is ignored !",
+        "Following table lines have missing entries and are not stored :", "", "2"],
+        "the editor's messages on stderr")
+    expect_eq(json.loads(text or "{}").get("rows", [None])[0],
+              ["1", "Flange", "flange.bmp", "F", "sm_flange", "flange.bmp", "sm_flange"],
+              "--json --resave prints the JSON of what was read")
+
+    # The check before saving refuses a menu without a complete row: nothing is written, an
+    # existing file stays as it was.
+    write("norows.vkl", ["Sub|s.bmp|S|Sub", "Lib|l.bmp|LOS|C:\\pkg\\"])
+    out = write_bytes("keep.vkl", b"old contents\r\n")
+    code, _, err = run("--resave", out, "norows.vkl")
+    expect(CHECK_FAILED_EN in err, f"check failure message, got {err!r}")
+    expect_eq((code, open(out, "rb").read()), (1, b"old contents\r\n"), "refused save")
+    code, _, _ = run("--resave", os.path.join(TMP, "new.vkl"), "norows.vkl")
+    expect(not os.path.exists(os.path.join(TMP, "new.vkl")), "no file created by a refused save")
+
+    # Run-time errors: the save into a missing folder, and a read that ended the editor.
+    code, text, err = run("--resave", os.path.join(TMP, "no", "such", "x.vkl"),
+                          data("woodshop.vkl"))
+    expect_eq((code, "Run-time error '76': Path not found" in err), (2, True),
+              f"save into a missing folder, stderr {err!r}")
+    expect("9 rows" in text, "the findings are printed before the failed save")
+    write("fatal.vkl", ["A|a|F|f", "SHORTCUT|a|b", "SHORTCUT|c|d", "SHORTCUT|e|f"])
+    code, _, err = run("--resave", os.path.join(TMP, "fatal.out.vkl"), "fatal.vkl")
+    expect_eq((code, os.path.exists(os.path.join(TMP, "fatal.out.vkl"))), (2, False),
+              "nothing is saved after the editor ended")
+    expect("Run-time error '9': Subscript out of range" in err, f"error box text, got {err!r}")
+
+
+def group_exit_status():
+    write("clean.vkl", ["A|a.bmp|F|f", "Sub||S|Sub", " B||D|d"])
+    write("skipped.vkl", ["A|a.bmp|F|f", "B|b.bmp|F"])
+    write("emptysub.vkl", ["A|a.bmp|F|f", "Sub||S|Sub"])
+    write("los.vkl", ["A|a.bmp|F|f", "P|p.bmp|los|C:/pkg/"])
+    write("third.vkl", ["SHORTCUT|a|b", "SHORTCUT|c|d", "SHORTCUT|e|f"])
+    write("headeronly.vkl", [])
+    os.makedirs(os.path.join(TMP, "folder.vkl"), exist_ok=True)
+    cases = [
+        ("clean.vkl", [], 0),
+        ("skipped.vkl", [], 1),
+        ("emptysub.vkl", [], 1),
+        ("los.vkl", [], 1),
+        ("third.vkl", [], 2),
+        ("missing.vkl", [], 2),
+        ("folder.vkl", [], 2),
+        ("clean.vkl", ["--json"], 0),
+        ("skipped.vkl", ["--json"], 1),
+        ("clean.vkl", ["--resave", "clean.out"], 0),
+        ("headeronly.vkl", [], 0),
+        ("headeronly.vkl", ["--resave", "headeronly.out"], 1),
+        ("emptysub.vkl", ["--lang", "2", "--resave", "emptysub.out"], 1),
+        ("clean.vkl", ["--lang"], 64),
+    ]
+    for name, args, status in cases:
+        expect_eq(run(*args, name)[0], status, f"exit status of {args} {name}")
+    # Default mode and the save agree on a package row without a file name: it is lost.
+    _, _, err = run("--resave", "los.out", "los.vkl")
+    expect("not stored :\n\n2" in err, f"the writer leaves row 2 out, stderr {err!r}")
+
+
+def group_bad_input():
+    rng = random.Random(6)
+    write_bytes("binary.vkl", bytes(rng.randrange(256) for _ in range(200_000)))
+    write("nul.vkl", ["A\x00B|a.bmp|F|f", "\x00\x00\x00\x00"])
+    write("huge.vkl", ["Big|b.bmp|F|" + "x" * 6_000_000, "y" * 3_000_000 + "|F"])
+    write("deep.vkl", ["A|a|F|f", "Sub||S|Sub", " " * 40_000 + "B|b|F|f", "C|c|F|f"])
+    write("nested.vkl", [" " * d + f"S{d}||S|S" for d in range(1500)] + [" " * 1500 + "L||F|f"])
+    write("limit.vkl", [f"I{i}||F|f" for i in range(32_768)])
+    os.makedirs(os.path.join(TMP, "dir.vkl"), exist_ok=True)
+
+    code, out, err = run("binary.vkl")
+    expect(code == 1 and out.endswith("skipped lines\n"), f"binary file: {code} {out[-200:]!r}")
+    expect(all(len(line) < 600 for line in out.splitlines()), "binary lines are shown cut")
+    code, got, _ = run_json("nul.vkl")
+    expect_eq((code, got.get("rows", [[0, 0]])[0][1], got.get("skipped", [{}])[0].get("text")),
+              (1, "A\x00B", "\x00\x00\x00\x00"), "NUL bytes kept in JSON")
+    code, out, _ = run("huge.vkl")
+    expect_eq(out.splitlines(), [
+        f"huge.vkl:16: wrong number of fields: {'y' * 200}... (2999802 more bytes)",
+        "huge.vkl: 1 row, 0 submenus, 0 SHORTCUT pairs, 1 skipped line"], "huge lines")
+    expect_eq(run_json("huge.vkl")[1].get("rows", [[0] * 7])[0][6], "x" * 6_000_000,
+              "a huge parameter whole in JSON")
+    code, out, err = run("deep.vkl")
+    # The editor ends there: no word about the submenu that a save would have left out.
+    expect_eq((code, out.splitlines()), (2, [
+        "deep.vkl:17: indentation too deep (run-time error 6): (40000 blanks)B|b|F|f",
+        "deep.vkl: 1 row, 1 submenu, 0 SHORTCUT pairs, 0 skipped lines"]), "deep indentation")
+    expect("Run-time error '6': Overflow" in err, "deep indentation error box")
+    code, out, _ = run("nested.vkl")
+    expect_eq((code, out), (0, "nested.vkl: 1 row, 1500 submenus, 0 SHORTCUT pairs, "
+                               "0 skipped lines\n"), "1500 nested submenus")
+    sys.setrecursionlimit(20_000)
+    node, depth = run_json("nested.vkl")[1].get("tree", {}), 0
+    while node.get("children"):
+        node, depth = node["children"][0], depth + 1
+    expect_eq((depth, node.get("key")), (1501, "Child1"), "the nested tree in JSON")
+    code, got, _ = run_json("limit.vkl")
+    expect_eq((code, len(got.get("rows", [])), got.get("fatal")),
+              (2, 32_767, {"line": 32_782, "error": 6, "description": "Overflow"}), "row limit")
+    expect("limit.vkl:32782: row limit reached (run-time error 6): I32767||F|f" in run("limit.vkl")[1],
+           "row limit finding")
+
+    for name, message in [("missing.vkl", "vklcheck: missing.vkl: no such file"),
+                          ("dir.vkl", "vklcheck: dir.vkl: is a folder, not a menu file")]:
+        for args in ([], ["--json"], ["--resave", "x.out"]):
+            code, out, err = run(*args, name)
+            expect_eq((code, out, err.strip()), (2, "", message), f"{args} {name}")
+    expect(not os.path.exists(os.path.join(TMP, "x.out")), "nothing saved from a missing file")
+
+
+def group_language():
+    out = os.path.join(TMP, "de.vkl")
+    code, _, err = run("--lang", "2", "--resave", out, data("sheetmetal.vkl"))
+    expect_eq(err.splitlines(), [
+        "Leeres Menu 'Cutouts' wird nicht abgespeichert  !",
+        "Folgende Tabellenzeilen haben leere Spalten und wurden nicht abgespeichert :", "", "2"],
+        "German messages of the writer")
+    expect_saved_as(out, data("sheetmetal.resaved.vkl"), "the language does not change the file")
+    write("norows.vkl", [])
+    _, _, err = run("--lang", "2", "--resave", "x.vkl", "norows.vkl")
+    expect_eq(err.strip(), "Kontrolle vor dem Abspeichern ist gescheitert ! - Tabelle ist "
+              "komplett leer oder alle Zeilen haben mindestens eine fehlende Spalte ! Es wurde "
+              "nicht abgespeichert !", "German check failure")
+    _, _, err = run("--lang", "1", "--resave", "x.vkl", "norows.vkl")
+    expect_eq(err.strip(), CHECK_FAILED_EN, "English check failure")
+
+    # A header too short to reach the title keeps what the window's language put there.
+    write("untitled.vkl", [], header=["lib", "About"])
+    for lang, title in [("1", "Write here your own menu title !"),
+                        ("2", "Hier eigenen Menu Titel eintragen !")]:
+        header = run_json("--lang", lang, "untitled.vkl")[1].get("header", {})
+        expect_eq((header.get("Text2"), header.get("Text3"), header.get("Combo2")),
+                  (title, "About", "100"), f"header fields with --lang {lang}")
+
+
+def group_usage():
+    code, out, err = run("--help")
+    expect(code == 0 and out.startswith("usage: vklcheck [--lang 1|2] [--json] [--resave OUT] FILE")
+           and err == "", f"--help: {code} {out[:80]!r} {err!r}")
+    write("a.vkl", ["A|a|F|f"])
+    for args, message in [
+        ([], "no menu file given"),
+        (["a.vkl", "a.vkl"], "one menu file at a time, not 2"),
+        (["--lang", "3", "a.vkl"], "--lang takes 1 (English) or 2 (German), not '3'"),
+        (["--lang", "2", "--lang", "1", "a.vkl"], "--lang given twice"),
+        (["a.vkl", "--resave"], "--resave needs a value"),
+        (["--resave", "", "a.vkl"], "--resave needs a file name"),
+        (["--xml", "a.vkl"], "unknown option '--xml'"),
+    ]:
+        code, out, err = run(*args)
+        expect_eq((code, out, err.splitlines()[:2]),
+                  (64, "", [f"vklcheck: {message}", "usage: vklcheck [--lang 1|2] [--json] "
+                            "[--resave OUT] FILE"]), f"usage error {args}")
+    write("-dash.vkl", ["A|a|F|f"])
+    expect_eq(run("--", "-dash.vkl")[:2], (0, "-dash.vkl: 1 row, 0 submenus, 0 SHORTCUT pairs, "
+                                               "0 skipped lines\n"), "a file after --")
+
+
+# ---- Random menus: the JSON against the menu generated, and a save read back ---------------
+
+TITLE_CHARS = "abcdefghijkl XYZ019_.\u00e4\u00f6\u00fc\u00e9"
+
+
+def bare(path):
+    return path.rsplit("/", 1)[-1].rsplit("\\", 1)[-1]
+
+
+def random_menu(rng):
+    """Menu lines without blanks around fields, no empty submenu; and what reading gives."""
+    lines, rows, bitmaps, serial = [], [], {}, [0]
+    word = lambda: rng.choice("ABCDEFGH") + "".join(rng.choice(TITLE_CHARS)
+                                                    for _ in range(rng.randint(0, 8))).strip()
+
+    def level(depth):
+        nodes = []
+        for _ in range(rng.randint(1, 4)):
+            title = word()
+            bitmap = rng.choice(["", "b.bmp", "dir/x.bmp", "C:\\img\\y.bmp", "a/b\\c.bmp"])
+            if depth < 4 and rng.random() < 0.3:
+                serial[0] += 1
+                if bitmap:
+                    bitmaps[str(serial[0])] = bitmap
+                lines.append((" " * depth) + f"{title}|{bitmap}|{rng.choice('Ss')}|x")
+                nodes.append({"key": f"Menu{serial[0]}", "text": title, "image": "folderclosed",
+                              "children": level(depth + 1)})
+                continue
+            action = rng.choice(["D", "F", "P", "LOS", "LWM", "LMM", "los", "f"])
+            param = rng.choice(["fn", "C:\\pkg\\a.pkg", "x/y\\z.pkg", "run_it"])
+            lines.append((" " * depth) + f"{title}|{bitmap}|{action}|{param}")
+            n = len(rows) + 1
+            shown = bare(param) if action.upper() == "LOS" else param
+            rows.append([str(n), title, bare(bitmap) if bitmap else "", action, shown, bitmap,
+                         param])
+            nodes.append({"key": f"Child{n}", "text": title.upper(), "image": "",
+                          "children": []})
+        return nodes
+
+    tree = {"key": "Menu0", "text": "Top Menu", "image": "root", "children": level(0)}
+    return lines, rows, tree, bitmaps
+
+
+def group_round_trip():
+    rng = random.Random(2024)
+    for i in range(25):
+        lines, rows, tree, bitmaps = random_menu(rng)
+        pair = rng.choice([None, ("datadir", "D:\\d"), ("BmpDir", "E:\\b"), ("key", "val")])
+        header = list(HEADER)
+        header[1], header[5] = f"About {i}", f"Menu {i} \u00e4"
+        body = ([f"SHORTCUT|{pair[0]}|{pair[1]}"] if pair else []) + lines
+        name = f"random{i}.vkl"
+        write(name, body, header=header)
+        code, first, _ = run_json(name)
+        what = f"{name} ({len(lines)} lines)"
+        expect_eq((code, first.get("rows"), first.get("tree"), first.get("submenuBitmaps")),
+                  (0, rows, tree, bitmaps), f"{what}: read as generated")
+
+        out = f"random{i}.out.vkl"
+        code, _, err = run("--resave", out, name)
+        expect_eq((code, err), (0, ""), f"{what}: saved without loss")
+        code, second, _ = run_json(out)
+        upper_rows = [[r[0], r[1].upper()] + r[2:] for r in rows]
+        expect_eq((code, second.get("rows"), second.get("tree"), second.get("submenuBitmaps")),
+                  (0, upper_rows, tree, bitmaps), f"{what}: read back after the save")
+        h1, h2 = first.get("header", {}), second.get("header", {})
+        expect_eq(h2, dict(h1, Text3=h1.get("Text3", "") + " # 1. text in the [About] box"),
+                  f"{what}: header read back")
+        extra = ([[h1["Datadir"], h1["Datadir"]]] if h1.get("Datadir") else []) + \
+                ([["", h1["Imagedir"]]] if h1.get("Imagedir") else [])
+        expect_eq(second.get("shortcuts"), first.get("shortcuts", []) + extra,
+                  f"{what}: SHORTCUT pairs read back")
+
+
+GROUPS = {
+    "findings": group_findings,
+    "json": group_json,
+    "resave": group_resave,
+    "exit_status": group_exit_status,
+    "bad_input": group_bad_input,
+    "language": group_language,
+    "usage": group_usage,
+    "round_trip": group_round_trip,
+}
+
+
+def main():
+    global VKL, CLI_DATA, TMP
+    if len(sys.argv) != 4 or sys.argv[1] not in GROUPS:
+        sys.exit(f"usage: {sys.argv[0]} {{{'|'.join(GROUPS)}}} VKLCHECK DATA_DIR")
+    VKL = os.path.abspath(sys.argv[2])
+    CLI_DATA = os.path.join(os.path.abspath(sys.argv[3]), "cli")
+    TMP = tempfile.mkdtemp(prefix="vklcheck-")
+    try:
+        GROUPS[sys.argv[1]]()
+    finally:
+        shutil.rmtree(TMP, ignore_errors=True)
+    for f in failures:
+        print("FAILED:", f)
+    print(f"{sys.argv[1]}: {len(failures)} failure(s)")
+    sys.exit(1 if failures else 0)
+
+
+if __name__ == "__main__":
+    main()

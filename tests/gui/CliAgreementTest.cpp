@@ -1,0 +1,441 @@
+// vklcheck against the window: for the menu files of the tests and for random menus, what the
+// tool prints as JSON is what the window shows after opening the same file, and the tool's
+// resave writes the bytes the window's save writes (the library name carries the clock).
+#include <QComboBox>
+#include <QDirIterator>
+#include <QIcon>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLineEdit>
+#include <QProcess>
+
+#include <cctype>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "gui/Icons.h"
+#include "gui/WindowFixture.h"
+#include "platform/Text.h"
+
+using vkl::Answer;
+using vkl::test::ScriptedHost;
+using window_test::Window;
+
+namespace {
+
+// ---- Random menus --------------------------------------------------------------------------
+
+// Texts with letters outside ASCII (umlauts, sharp s, the euro sign), blanks and a tab; written
+// here in UTF-8, put into the files in Windows-1252.
+const char* const kTitles[] = {"Bohren", "Größe ändern", "Fräsen",    "Through hole",
+                               "Straße", "Preis € 5",    "Key slot ", "Ärger\tTab",
+                               "Café",   "Übersicht"};
+const char* const kBitmaps[] = {
+    "", "a.bmp", "C:\\bmp\\x.bmp", "sub/dir/über.bmp", "[installdir]/img/y.bmp", " spaced.bmp "};
+const char* const kItemActions[] = {"F", "D", "P", "LOS", "los", "LWM", "LMM", "f"};
+const char* const kParameters[] = {"do_it", "dlg # not a comment", "C:\\tools\\x.exe", "größe"};
+const char* const kPackages[] = {"C:\\pkg/sub\\holes.pkg", "D:\\pkg\\", "pkg/", "plain.pkg"};
+const char* const kInvalid[] = {"Five|fields|F|x|y",  "Three|x.bmp|F",     "|x.bmp|F|no_title",
+                                "Noaction|x.bmp| |x", "Noparam|x.bmp|F| ", "no bars at all"};
+const char* const kShortcuts[] = {"SHORTCUT|datadir|C:\\data\\März", "shortcut|BmpDir|D:\\bitmaps",
+                                  "SHORTCUT|other|x", "Shortcut|bmpdir|[installdir]\\bitmaps"};
+
+class RandomMenu {
+  public:
+    explicit RandomMenu(unsigned seed) : rng_(seed) {}
+
+    // A menu file: comments, the twelve header lines (a comment or a blank line here and there,
+    // now and then a menu line the header swallows), then a body of submenus, items, SHORTCUT
+    // lines, invalid lines, comments and blank lines at random depths. A third SHORTCUT line
+    // (ends the reading) only when asked; no items at all when asked.
+    std::string build(bool thirdShortcut, bool withItems) {
+        const int eolKind = pick(8);  // mostly CR LF, sometimes LF, CR or mixed
+        for (int i = pick(15); i > 0; --i) {
+            line(i % 5 == 0 ? "#" : "# Created by VKL Editor", eolKind);
+        }
+        const std::string header[12] = {
+            "1124165 # this is a unique library name - not visible for user",
+            std::string(pickOf(kTitles)) + " # 1. text in the [About] box",
+            "Powered by Loomvault  # 2.text",
+            "www.example.com",
+            "All rights reserved",
+            std::string("  ") + pickOf(kTitles),
+            pick(5) == 0 ? "abc" : std::to_string(10 + pick(60)),
+            std::to_string(10 + pick(60)),
+            "10",
+            "10",
+            "11",
+            "11"};
+        for (int p = 0; p < 12; ++p) {
+            if (pick(8) == 0) {
+                line(pick(2) == 0 ? "# inside the header" : "   ", eolKind);
+            }
+            line(p == 3 && pick(6) == 0 ? "Swallowed|s.bmp|F|swallowed" : header[p], eolKind);
+        }
+
+        int shortcutsLeft = thirdShortcut ? 3 : pick(3);
+        int depth = 0;
+        const int count = 8 + pick(40);
+        for (int i = 0; i < count; ++i) {
+            // Mostly the same level or one step; now and then several levels deeper at once, or
+            // back to the top.
+            const int roll = pick(10);
+            if (roll == 4 || roll == 5) {
+                depth += 1;
+            } else if (roll == 6) {
+                depth += 2 + pick(3);
+            } else if (roll == 7 || roll == 8) {
+                depth = std::max(0, depth - 1 - pick(2));
+            } else if (roll == 9) {
+                depth = 0;
+            }
+            depth = std::min(depth, 12);
+            const std::string blanks(static_cast<size_t>(depth), ' ');
+            const int kind = pick(20);
+            if (shortcutsLeft > 0 && (kind == 0 || (thirdShortcut && i > count / 2))) {
+                line(blanks + pickOf(kShortcuts), eolKind);
+                --shortcutsLeft;
+            } else if (kind < 6 || !withItems) {
+                const std::string title = pickOf(kTitles);
+                line(blanks + title + "|" + pickOf(kBitmaps) + (pick(4) == 0 ? "|s|" : "|S|") +
+                         title,
+                     eolKind);
+            } else if (kind < 15) {
+                const std::string action = pickOf(kItemActions);
+                const bool package = action == "LOS" || action == "los";
+                line(blanks + pickOf(kTitles) + "|" + pickOf(kBitmaps) + "|" + action + "|" +
+                         (package ? pickOf(kPackages) : pickOf(kParameters)),
+                     eolKind);
+            } else if (kind < 18) {
+                line(blanks + pickOf(kInvalid), eolKind);
+            } else {
+                line(kind == 18 ? blanks + "# a comment" : blanks, eolKind);
+            }
+        }
+        return bytes_;
+    }
+
+  private:
+    int pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng_); }
+    template <size_t N>
+    const char* pickOf(const char* const (&list)[N]) {
+        return list[pick(static_cast<int>(N))];
+    }
+    void line(const std::string& text, int eolKind) {
+        static const char* const kEnds[] = {"\r\n", "\n", "\r"};
+        const int kind = eolKind < 5 ? 0 : eolKind < 6 ? 1 : eolKind < 7 ? 2 : pick(3);
+        bytes_ += vkl::text::utf8ToCp1252(text);
+        bytes_ += kEnds[kind];
+    }
+
+    std::mt19937 rng_;
+    std::string bytes_;
+};
+
+// ---- Running the tool ----------------------------------------------------------------------
+
+struct CliRun {
+    bool finished = false;
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+CliRun runCheck(const QStringList& arguments) {
+    CliRun run;
+#ifdef VKL_VKLCHECK
+    QProcess process;
+    process.start(QStringLiteral(VKL_VKLCHECK), arguments);
+    run.finished = process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit;
+    run.exitCode = process.exitCode();
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+#else
+    Q_UNUSED(arguments);
+#endif
+    return run;
+}
+
+// ---- What the window shows ---------------------------------------------------------------
+
+QString shownHeaderField(Window& w, const char* name) {
+    if (auto* edit = w.child<QLineEdit>(name)) {
+        return edit->text();
+    }
+    if (auto* combo = w.child<QComboBox>(name)) {
+        return combo->currentText();
+    }
+    return QStringLiteral("<no control %1>").arg(QLatin1String(name));
+}
+
+QString utf8(const std::string& cp1252) {
+    return QString::fromStdString(vkl::text::cp1252ToUtf8(cp1252));
+}
+
+QImage pictureOf(const QIcon& icon) {
+    return icon.pixmap(16, 16).toImage();
+}
+
+// Walks the window's tree model beside the tool's tree and lists where they part: key, text,
+// image key and picture, number of children, then the children in order.
+void compareTree(vkl::gui::TreeModel& model, const QModelIndex& at, const QJsonObject& cli,
+                 const QString& path, QStringList& diffs) {
+    const vkl::NodeRef node = model.node(at);
+    const QString key = utf8(model.nodes().key(node));
+    const QString where = path + QLatin1Char('/') + key;
+    const auto differ = [&](const char* field, const QString& cliValue, const QString& shown) {
+        if (cliValue != shown) {
+            diffs << QStringLiteral("tree %1 %2: CLI \"%3\", window \"%4\"")
+                         .arg(where, QLatin1String(field), cliValue, shown);
+        }
+    };
+    differ("key", cli[QLatin1String("key")].toString(), key);
+    differ("text", cli[QLatin1String("text")].toString(), at.data().toString());
+    const QString image = cli[QLatin1String("image")].toString();
+    differ("image", image, utf8(model.nodes().image(node)));
+    const QIcon expected = vkl::gui::icons::node(image);
+    const QVariant shown = at.data(Qt::DecorationRole);
+    const bool samePicture =
+        expected.isNull()
+            ? !shown.isValid()
+            : shown.canConvert<QIcon>() && pictureOf(shown.value<QIcon>()) == pictureOf(expected);
+    if (!samePicture) {
+        diffs << QStringLiteral("tree %1 picture: not the picture of \"%2\"").arg(where, image);
+    }
+    const QJsonArray children = cli[QLatin1String("children")].toArray();
+    differ("children", QString::number(children.size()), QString::number(model.rowCount(at)));
+    for (int i = 0; i < std::min(static_cast<int>(children.size()), model.rowCount(at)); ++i) {
+        compareTree(model, model.index(i, 0, at), children[i].toObject(), where, diffs);
+    }
+}
+
+// Without the library-name line (the 15th), whose number comes from the clock.
+QList<QByteArray> linesBesideLibraryName(const QByteArray& bytes, QByteArray& libraryLine) {
+    QList<QByteArray> lines = bytes.split('\n');
+    if (lines.size() >= 15) {
+        libraryLine = lines.takeAt(14);
+        while (!libraryLine.isEmpty() && std::isdigit(static_cast<unsigned char>(libraryLine[0]))) {
+            libraryLine.remove(0, 1);
+        }
+    }
+    return lines;
+}
+
+QString shownLine(QByteArray line) {
+    if (line.endsWith('\r')) {
+        line.chop(1);
+    }
+    return utf8(line.toStdString());
+}
+
+// Opens a file through the toolbar and the scripted dialog.
+bool openThroughToolbar(Window& w, const QString& file) {
+    w.host.answers = {Answer::No};  // overwrite, should the table hold data
+    const bool clicked = w.open(file.toStdString());
+    w.host.answers.clear();
+    return clicked;
+}
+
+}  // namespace
+
+class CliAgreementTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase();
+    void jsonAgreesWithTheWindow_data() { menuFiles(); }
+    void jsonAgreesWithTheWindow();
+    void resaveWritesTheWindowsBytes_data() { menuFiles(); }
+    void resaveWritesTheWindowsBytes();
+
+  private:
+    void menuFiles();
+    QTemporaryDir randomMenus_;
+    QStringList randomFiles_;
+};
+
+void CliAgreementTest::initTestCase() {
+#ifndef VKL_VKLCHECK
+    QSKIP("vklcheck is not part of this build");
+#endif
+    QVERIFY(randomMenus_.isValid());
+    for (unsigned i = 0; i < 36; ++i) {
+        const QString name =
+            randomMenus_.filePath(QStringLiteral("random%1.vkl").arg(i, 2, 10, QLatin1Char('0')));
+        QFile out(name);
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        // Every twelfth menu ends in a third SHORTCUT line, another has no items to save.
+        const std::string bytes = RandomMenu(20240611u + i).build(i % 12 == 11, i % 12 != 5);
+        out.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        randomFiles_ << name;
+    }
+}
+
+void CliAgreementTest::menuFiles() {
+    QTest::addColumn<QString>("file");
+    QStringList files;
+    QDirIterator it(QStringLiteral(VKL_TEST_DATA), {QStringLiteral("*.vkl")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        files << it.next();
+    }
+    files.sort();
+    QVERIFY(files.size() >= 5);
+    for (const QString& f : files + randomFiles_) {
+        const QString tag = f.startsWith(QStringLiteral(VKL_TEST_DATA))
+                                ? f.mid(int(qstrlen(VKL_TEST_DATA)) + 1)
+                                : QFileInfo(f).fileName();
+        QTest::newRow(qPrintable(tag)) << f;
+    }
+}
+
+void CliAgreementTest::jsonAgreesWithTheWindow() {
+    QFETCH(QString, file);
+    const CliRun cli = runCheck({QStringLiteral("--json"), file});
+    QVERIFY2(cli.finished, cli.err.constData());
+    QJsonParseError parseError;
+    const QJsonObject json = QJsonDocument::fromJson(cli.out, &parseError).object();
+    QVERIFY2(parseError.error == QJsonParseError::NoError,
+             qPrintable(parseError.errorString() + QLatin1Char('\n') + QString::fromUtf8(cli.err)));
+
+    Window w;
+    QVERIFY(openThroughToolbar(w, file));
+
+    // A run-time error while reading: the window shows it and the program ends.
+    const QJsonValue fatal = json[QLatin1String("fatal")];
+    if (!fatal.isNull()) {
+        QCOMPARE(cli.exitCode, 2);
+        QVERIFY2(w.window.ended() && w.host.endCount == 1,
+                 "the CLI reports a run-time error, the window goes on");
+        QCOMPARE(QString::fromStdString(w.host.lastPrompt()),
+                 QStringLiteral("Run-time error '%1':\n\n%2")
+                     .arg(fatal[QLatin1String("error")].toInt())
+                     .arg(fatal[QLatin1String("description")].toString()));
+        return;
+    }
+    QVERIFY2(!w.window.ended(), w.host.messages.empty() ? "" : w.host.lastPrompt().c_str());
+
+    QStringList diffs;
+    const auto differ = [&diffs](const QString& what, const QString& cliValue,
+                                 const QString& shown) {
+        if (cliValue != shown) {
+            diffs << QStringLiteral("%1: CLI \"%2\", window \"%3\"").arg(what, cliValue, shown);
+        }
+    };
+
+    const QJsonObject header = json[QLatin1String("header")].toObject();
+    for (const char* name : {"Text2", "Text3", "Combo2", "Combo3", "Datadir", "Imagedir"}) {
+        differ(QStringLiteral("header %1").arg(QLatin1String(name)),
+               header[QLatin1String(name)].toString(), shownHeaderField(w, name));
+    }
+
+    // Every column of the grid, the two hidden ones with the bitmap and parameter as written
+    // included.
+    QAbstractItemModel* grid = w.table()->model();
+    const QJsonArray rows = json[QLatin1String("rows")].toArray();
+    differ(QStringLiteral("row count"), QString::number(rows.size()),
+           QString::number(grid->rowCount()));
+    for (int r = 0; r < std::min(static_cast<int>(rows.size()), grid->rowCount()); ++r) {
+        const QJsonArray row = rows[r].toArray();
+        differ(QStringLiteral("row %1 column count").arg(r + 1), QString::number(row.size()),
+               QString::number(grid->columnCount()));
+        for (int c = 0; c < std::min(static_cast<int>(row.size()), grid->columnCount()); ++c) {
+            differ(QStringLiteral("row %1 column %2").arg(r + 1).arg(c), row[c].toString(),
+                   grid->index(r, c).data().toString());
+        }
+    }
+
+    vkl::gui::TreeModel& tree = *w.treeModel();
+    const QJsonValue root = json[QLatin1String("tree")];
+    const int tops = root.isNull() ? 0 : 1;
+    differ(QStringLiteral("tree top-level nodes"), QString::number(tops),
+           QString::number(tree.rowCount()));
+    if (tops == 1 && tree.rowCount() == 1) {
+        compareTree(tree, tree.index(0, 0), root.toObject(), QString(), diffs);
+    }
+
+    // Not shown in the window, but held by its form after the open: the SHORTCUT pairs and
+    // the submenu bitmaps the save writes back.
+    QStringList cliPairs;
+    for (const QJsonValue pair : json[QLatin1String("shortcuts")].toArray()) {
+        cliPairs << pair[0].toString() + QLatin1Char('|') + pair[1].toString();
+    }
+    QStringList formPairs;
+    for (int i = 0; i < w.form.shortcuts.count; ++i) {
+        const auto& pair = w.form.shortcuts.pairs[static_cast<size_t>(i)];
+        formPairs << utf8(pair[0]) + QLatin1Char('|') + utf8(pair[1]);
+    }
+    differ(QStringLiteral("shortcuts"), cliPairs.join(QLatin1Char(';')),
+           formPairs.join(QLatin1Char(';')));
+    QStringList cliBitmaps;
+    const QJsonObject bitmaps = json[QLatin1String("submenuBitmaps")].toObject();
+    for (auto it = bitmaps.begin(); it != bitmaps.end(); ++it) {
+        cliBitmaps << it.key() + QLatin1Char('=') + it.value().toString();
+    }
+    QStringList formBitmaps;
+    const std::vector<std::string>& held = w.form.tree.submenuBitmaps;
+    for (size_t serial = 0; serial < held.size(); ++serial) {
+        if (!held[serial].empty()) {
+            formBitmaps << QString::number(serial) + QLatin1Char('=') + utf8(held[serial]);
+        }
+    }
+    cliBitmaps.sort();
+    formBitmaps.sort();
+    differ(QStringLiteral("submenu bitmaps"), cliBitmaps.join(QLatin1Char(';')),
+           formBitmaps.join(QLatin1Char(';')));
+
+    QVERIFY2(diffs.isEmpty(), qPrintable(diffs.mid(0, 20).join(QLatin1Char('\n'))));
+}
+
+void CliAgreementTest::resaveWritesTheWindowsBytes() {
+    QFETCH(QString, file);
+    Window w;
+    const std::string windowOut = w.path("window.vkl");
+    const QString cliOut = QString::fromStdString(w.path("cli.vkl"));
+    const CliRun cli = runCheck({QStringLiteral("--resave"), cliOut, file});
+    QVERIFY2(cli.finished, cli.err.constData());
+
+    QVERIFY(openThroughToolbar(w, file));
+    w.host.saveAnswers.push_back(ScriptedHost::pick(windowOut));
+    QVERIFY(w.clickTool("save"));
+    const bool cliSaved = QFile::exists(cliOut);
+    const bool windowSaved = QFile::exists(QString::fromStdString(windowOut));
+
+    if (w.window.ended()) {
+        // Reading ended in a run-time error: the program is gone, and the tool stops too.
+        QCOMPARE(cli.exitCode, 2);
+        QVERIFY(!cliSaved && !windowSaved);
+        return;
+    }
+    QVERIFY2(cli.exitCode == 0 || cli.exitCode == 1, cli.err.constData());
+    QVERIFY2(cliSaved == windowSaved,
+             cliSaved ? "the CLI saved, the window did not" : "the window saved, the CLI did not");
+    if (!cliSaved) {
+        // The check before saving refused: no dialog, and the tool says something is lost.
+        QVERIFY(w.host.saveRequests.empty());
+        QCOMPARE(cli.exitCode, 1);
+        return;
+    }
+
+    QByteArray cliLibrary;
+    QByteArray windowLibrary;
+    const QList<QByteArray> cliLines =
+        linesBesideLibraryName(window_test::readAll(cliOut.toStdString()), cliLibrary);
+    const QList<QByteArray> windowLines =
+        linesBesideLibraryName(window_test::readAll(windowOut), windowLibrary);
+    QVERIFY(!cliLibrary.isEmpty());
+    QCOMPARE(cliLibrary, windowLibrary);  // the number aside
+    for (int i = 0; i < std::min(cliLines.size(), windowLines.size()); ++i) {
+        const int lineNumber = i < 14 ? i + 1 : i + 2;
+        QVERIFY2(cliLines[i] == windowLines[i],
+                 qPrintable(QStringLiteral("line %1: CLI \"%2\", window \"%3\"")
+                                .arg(QString::number(lineNumber), shownLine(cliLines[i]),
+                                     shownLine(windowLines[i]))));
+    }
+    QCOMPARE(windowLines.size(), cliLines.size());
+}
+
+QTEST_MAIN(CliAgreementTest)
+#include "CliAgreementTest.moc"

@@ -1,0 +1,102 @@
+// The real main window, offscreen, over a form whose dialogs are answered by a script, with a
+// temporary folder that serves as the install directory, the user's temporary folder and the
+// place for saved menus and bitmaps.
+#pragma once
+
+#include <QAbstractItemModel>
+#include <QApplication>
+#include <QFile>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QToolBar>
+#include <QTreeView>
+#include <QtTest>
+
+#include <string>
+
+#include "app/Form1.h"
+#include "gui/MainWindow.h"
+#include "gui/TreeModel.h"
+#include "support/ScriptedHost.h"
+
+namespace window_test {
+
+// The tools menu of tests/data/window: Holes (items Through hole and Library, submenu Threads
+// with Metric and Fine), Slots (Key slot and Senkung für Schrauben), an empty submenu, About
+// at the top and one broken line.
+inline std::string toolsMenu() {
+    return VKL_TEST_DATA "/window/tools.vkl";
+}
+
+struct Window {
+    vkl::test::ScriptedHost host;
+    QTemporaryDir dir;
+    vkl::Form1 form;
+    vkl::gui::MainWindow window;
+
+    explicit Window(int16_t language = 1)
+        : form(host, dir.path().toStdString(), language), window(form) {
+        host.temp = dir.path().toStdString() + "/";
+        window.load();
+        window.resize(1400, 800);
+        window.show();
+    }
+
+    std::string path(const char* name) const { return dir.filePath(QLatin1String(name)).toStdString(); }
+
+    template <typename W>
+    W* child(const char* name) {
+        return window.findChild<W*>(QString::fromLatin1(name));
+    }
+    QTableView* table() { return child<QTableView>("Table"); }
+    QTreeView* tree() { return child<QTreeView>("Treeview"); }
+    vkl::gui::TreeModel* treeModel() {
+        return static_cast<vkl::gui::TreeModel*>(tree()->model());
+    }
+
+    // A cell of the grid (row 1 is the first line) and a node of the tree, as the views see them.
+    QModelIndex cell(int gridRow, int col) { return table()->model()->index(gridRow - 1, col); }
+    QString cellText(int gridRow, int col) { return cell(gridRow, col).data().toString(); }
+    QPoint cellCentre(int gridRow, int col) {
+        return table()->visualRect(cell(gridRow, col)).center();
+    }
+    QModelIndex node(const std::string& key) {
+        return treeModel()->indexOf(form.Treeview.find(key));
+    }
+    QPoint nodeCentre(const std::string& key) { return tree()->visualRect(node(key)).center(); }
+
+    // Clicks a toolbar button by its key, as the user does.
+    bool clickTool(const char* key) {
+        auto* bar = child<QToolBar>("Toolbar1");
+        for (QAction* a : bar->actions()) {
+            if (a->data().toString() == QLatin1String(key)) {
+                QTest::mouseClick(bar->widgetForAction(a), Qt::LeftButton);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // Opens a menu file through the toolbar and the scripted open dialog.
+    bool open(const std::string& file) {
+        host.openAnswers.push_back(vkl::test::ScriptedHost::pick(file));
+        return clickTool("open");
+    }
+};
+
+inline QByteArray readAll(const std::string& file) {
+    QFile f(QString::fromStdString(file));
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// Lines joined with CR LF, each line ended, as the writer writes them.
+inline QByteArray crlfLines(std::initializer_list<const char*> lines) {
+    QByteArray out;
+    for (const char* line : lines) {
+        out += line;
+        out += "\r\n";
+    }
+    return out;
+}
+
+}  // namespace window_test

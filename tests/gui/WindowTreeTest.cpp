@@ -1,0 +1,368 @@
+// The menu tree in the real window: dragging nodes onto folders, the scroll timer near the
+// edges, label edits, pop-up commands and views, and the preview of a folder's bitmap.
+#include <QDrag>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTimer>
+
+#include "gui/Icons.h"
+#include "gui/Views.h"
+#include "gui/WindowFixture.h"
+
+using vkl::test::ScriptedHost;
+using window_test::Window;
+
+namespace {
+
+// The tree as the view's model shows it, one "text" per node, children indented.
+QStringList treeTexts(QAbstractItemModel* model, const QModelIndex& parent = {}, int depth = 0) {
+    QStringList lines;
+    for (int r = 0; r < model->rowCount(parent); ++r) {
+        const QModelIndex at = model->index(r, 0, parent);
+        lines << QString(depth * 2, QLatin1Char(' ')) + at.data().toString();
+        lines << treeTexts(model, at, depth + 1);
+    }
+    return lines;
+}
+
+QImage picture(const QModelIndex& index) {
+    return index.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
+}
+
+QImage nodePicture(const char* key) {
+    return vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage();
+}
+
+// A drag of the tree's node, begun with the mouse the way the user begins it; the view's
+// own start-drag makes the data the drop will carry.
+struct TreeDrag {
+    Window& w;
+    QMimeData data;
+
+    TreeDrag(Window& window, const std::string& fromKey) : w(window) {
+        QWidget* viewport = w.tree()->viewport();
+        const QPoint from = w.nodeCentre(fromKey);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        // The drag starts once the pointer has moved far enough with the button down.
+        QTest::mouseMove(viewport, from + QPoint(2, 0));
+        QTest::mouseMove(viewport, from + QPoint(QApplication::startDragDistance() + 4, 0));
+        // The view keeps the drag until the event loop runs again; the newest one is this.
+        const QList<QDrag*> drags = w.tree()->findChildren<QDrag*>();
+        if (!drags.isEmpty()) {
+            data.setText(drags.last()->mimeData()->text());
+        }
+        QTest::mouseRelease(viewport, Qt::LeftButton, {},
+                            from + QPoint(QApplication::startDragDistance() + 4, 0));
+    }
+
+    // Passes over a point of the tree's viewport; true when the view would take a drop there.
+    bool over(QPoint at) {
+        QWidget* viewport = w.tree()->viewport();
+        QDragEnterEvent enter(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport, &enter);
+        QDragMoveEvent move(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport, &move);
+        return move.isAccepted();
+    }
+
+    void dropOn(QPoint at) {
+        over(at);
+        QDropEvent drop(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(w.tree()->viewport(), &drop);
+    }
+    void dropOn(const std::string& key) { dropOn(w.nodeCentre(key)); }
+};
+
+}  // namespace
+
+class WindowTreeTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void droppedNodeBecomesTheFoldersLastChild();
+    void draggingNearTheEdgesScrollsByTheTimer();
+    void labelEditsReachTheTitleCell();
+    void popupCommandsAndViewButtonsShowInTheTree();
+    void folderClickShowsItsBitmapInThePreview();
+};
+
+void WindowTreeTest::droppedNodeBecomesTheFoldersLastChild() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    QVERIFY(w.open(window_test::toolsMenu()));
+    QAbstractItemModel* model = w.tree()->model();
+
+    // The drag carries the key of the node it started on.
+    TreeDrag about(w, "Child7");
+    QCOMPARE(about.data.text(), QStringLiteral("Child7"));
+    QVERIFY(w.form.dragging);
+    QVERIFY(about.over(w.nodeCentre("Menu3")));
+    about.dropOn("Menu3");
+    QVERIFY(!w.form.dragging);
+    QCOMPARE(model->rowCount(w.node("Menu3")), 3);
+    QCOMPARE(model->index(2, 0, w.node("Menu3")), w.node("Child7"));
+    QCOMPARE(w.node("Child7").data().toString(), QStringLiteral("ABOUT"));
+    QCOMPARE(model->rowCount(w.node("Menu0")), 3);
+    // The table is not touched by moves in the tree.
+    QCOMPARE(w.table()->model()->rowCount(), 7);
+    QCOMPARE(w.cellText(7, 1), QStringLiteral("About"));
+
+    const QStringList before = treeTexts(model);
+    // On an item: refused, nothing moves.
+    TreeDrag onItem(w, "Child1");
+    onItem.dropOn("Child5");
+    QCOMPARE(treeTexts(model), before);
+    // A folder onto its own descendant: nothing moves and nothing is said.
+    TreeDrag holes(w, "Menu1");
+    QCOMPARE(holes.data.text(), QStringLiteral("Menu1"));
+    holes.dropOn("Menu2");
+    QCOMPARE(treeTexts(model), before);
+    QVERIFY(w.host.messages.empty());
+    // Below the last node there is nothing to drop on.
+    TreeDrag nowhere(w, "Child1");
+    const QRect last = w.tree()->visualRect(w.node("Menu4"));
+    QVERIFY(!nowhere.over(QPoint(last.center().x(), last.bottom() + 40)));
+
+    // A folder that was given a bitmap passes a drop on to its parent.
+    w.host.popupAnswers = {"addimage"};
+    w.host.openAnswers.push_back(ScriptedHost::pick(w.path("threads.bmp")));
+    QTest::mouseClick(w.tree()->viewport(), Qt::RightButton, {}, w.nodeCentre("Menu2"));
+    QCOMPARE(w.host.popups.back(), std::string("menu3"));
+    QCOMPARE(picture(w.node("Menu2")), nodePicture("image_here"));
+    TreeDrag slot(w, "Child5");
+    slot.dropOn("Menu2");
+    QCOMPARE(w.node("Child5").parent(), w.node("Menu1"));
+    QCOMPARE(model->rowCount(w.node("Menu1")), 4);
+    QCOMPARE(model->rowCount(w.node("Menu2")), 2);
+    QCOMPARE(w.host.endCount, 0);
+}
+
+void WindowTreeTest::draggingNearTheEdgesScrollsByTheTimer() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    QVERIFY(w.open(window_test::toolsMenu()));
+    for (int i = 0; i < 80; ++i) {
+        QVERIFY(w.clickTool("lineadd"));
+    }
+    QTreeView* tree = w.tree();
+    QScrollBar* bar = tree->verticalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 20);
+    auto* timer = w.window.findChild<QTimer*>(QStringLiteral("Timer1"));
+    QVERIFY(!timer->isActive());
+
+    bar->setValue(bar->maximum() / 2);
+    const int middle = bar->value();
+    const QRect area = tree->viewport()->rect();
+    const double pixelsPerTwip = tree->logicalDpiY() / 1440.0;
+    const QPoint centre = area.center();
+    TreeDrag drag(w, w.form.Treeview.key(w.treeModel()->node(tree->indexAt(centre))));
+    QVERIFY(w.form.dragging);
+
+    // 50 twips below the top edge: the timer runs and each tick scrolls one line up, with the
+    // node under the pointer drawn as the drop target.
+    const QPoint nearTop(centre.x(), qRound(50 * pixelsPerTwip));
+    QVERIFY(drag.over(nearTop));
+    QVERIFY(tree->indexAt(nearTop).data(Qt::BackgroundRole).isValid());
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 100);
+    QTRY_VERIFY(bar->value() < middle);
+
+    // 150 twips below the top edge is no edge any more.
+    drag.over(QPoint(centre.x(), qRound(150 * pixelsPerTwip)));
+    QVERIFY(!timer->isActive());
+    const int stopped = bar->value();
+    QTest::qWait(250);
+    QCOMPARE(bar->value(), stopped);
+
+    // Near the bottom edge it scrolls down.
+    drag.over(QPoint(centre.x(), area.height() - qRound(100 * pixelsPerTwip)));
+    QVERIFY(timer->isActive());
+    QTRY_VERIFY(bar->value() > stopped);
+    drag.over(centre);
+    QVERIFY(!timer->isActive());
+    drag.dropOn(centre);
+    QVERIFY(!w.form.dragging);
+    QCOMPARE(w.host.endCount, 0);
+}
+
+void WindowTreeTest::labelEditsReachTheTitleCell() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    QVERIFY(w.open(window_test::toolsMenu()));
+    QTreeView* tree = w.tree();
+
+    // Opens the label editor of a node, as the user does: a click selects the node; then a
+    // second click on it, or F2, opens the editor.
+    const auto editLabel = [&](const std::string& key, bool secondClick, const char* typed) {
+        QWidget* viewport = tree->viewport();
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
+        QCOMPARE(tree->currentIndex(), w.node(key));
+        // The first click only selects: no editor opens, not even after a while.
+        QTest::qWait(QApplication::doubleClickInterval() + 100);
+        QVERIFY(!viewport->findChild<QLineEdit*>());
+        if (secondClick) {
+            QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
+            QTRY_VERIFY(viewport->findChild<QLineEdit*>());
+        } else {
+            QTest::keyClick(tree, Qt::Key_F2);
+        }
+        auto* editor = viewport->findChild<QLineEdit*>();
+        QVERIFY(editor && editor->isVisible());
+        editor->selectAll();
+        QTest::keyClicks(editor, typed);
+        QTest::keyClick(editor, Qt::Key_Return);
+        // The editor hands its text over once the key is done.
+        QTRY_VERIFY(!viewport->findChild<QLineEdit*>());
+    };
+
+    // An item's new label is written, as typed, into its line's title.
+    editLabel("Child4", true, "very fine");
+    if (QTest::currentTestFailed()) {
+        return;
+    }
+    QCOMPARE(w.cellText(4, 1), QStringLiteral("very fine"));
+    QCOMPARE(w.node("Child4").data().toString(), QStringLiteral("very fine"));
+    QCOMPARE(w.cellText(3, 1), QStringLiteral("Metric"));
+
+    // A folder's label changes the tree only.
+    editLabel("Menu3", false, "Grooves");
+    if (QTest::currentTestFailed()) {
+        return;
+    }
+    QCOMPARE(w.node("Menu3").data().toString(), QStringLiteral("Grooves"));
+    for (int r = 1; r <= 7; ++r) {
+        QVERIFY(w.cellText(r, 1) != QStringLiteral("Grooves"));
+    }
+    QCOMPARE(w.host.endCount, 0);
+
+    // The window goes while an editor is still open: the editor commits as it closes, and the
+    // window, half gone, must not take that for an edit.
+    QTest::keyClick(tree, Qt::Key_F2);
+    auto* open = tree->viewport()->findChild<QLineEdit*>();
+    QVERIFY(open && open->isVisible());
+    open->setFocus();
+    QTest::keyClicks(open, "x");
+}
+
+void WindowTreeTest::popupCommandsAndViewButtonsShowInTheTree() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    QVERIFY(w.open(window_test::toolsMenu()));
+    QTreeView* tree = w.tree();
+    QAbstractItemModel* model = tree->model();
+    const auto rightClick = [&](const std::string& key, const char* entry) {
+        w.host.popupAnswers = {entry};
+        QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, w.nodeCentre(key));
+    };
+
+    rightClick("Menu0", "addsub");
+    QCOMPARE(model->rowCount(w.node("Menu0")), 5);
+    QCOMPARE(model->index(4, 0, w.node("Menu0")), w.node("Menu5"));
+    QCOMPARE(w.node("Menu5").data().toString(), QStringLiteral("MENU"));
+    QCOMPARE(picture(w.node("Menu5")), nodePicture("folderclosed"));
+
+    // Removing the children of Holes takes its four lines out of the grid; the inner folder
+    // stays, empty.
+    rightClick("Menu1", "removechilden");
+    QCOMPARE(treeTexts(model), (QStringList{"Top Menu", "  Holes", "    Threads", "  Slots",
+                                            "    KEY SLOT",
+                                            QString::fromUtf8("    SENKUNG FÜR SCHRAUBEN"),
+                                            "  Empty", "  ABOUT", "  MENU"}));
+    QCOMPARE(w.table()->model()->rowCount(), 3);
+    QCOMPARE(w.cellText(1, 0), QStringLiteral("1"));
+    QCOMPARE(w.cellText(1, 1), QStringLiteral("Key slot"));
+    QCOMPARE(w.node("Child1").data().toString(), QStringLiteral("KEY SLOT"));
+
+    // Removing a folder with its children takes the folder too.
+    rightClick("Menu3", "remove2");
+    QVERIFY(!w.node("Menu3").isValid());
+    QCOMPARE(w.table()->model()->rowCount(), 1);
+    QCOMPARE(w.cellText(1, 1), QStringLiteral("About"));
+    QCOMPARE(w.node("Child1").data().toString(), QStringLiteral("ABOUT"));
+
+    // The view buttons: a folder inside Holes, items only in Threads.
+    rightClick("Menu2", "addsub");
+    QVERIFY(w.node("Menu6").isValid());
+    QCOMPARE(w.node("Menu6").parent(), w.node("Menu2"));
+    const auto expandedFolders = [&] {
+        QStringList open;
+        for (const char* key : {"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}) {
+            if (tree->isExpanded(w.node(key))) {
+                open << QLatin1String(key);
+            }
+        }
+        return open;
+    };
+    QTest::mouseClick(w.child<QWidget>("Colapse"), Qt::LeftButton);
+    QCOMPARE(expandedFolders(), QStringList());
+    QCOMPARE(w.form.currentNodeKey, std::string("Menu6"));
+    QTest::mouseClick(w.child<QWidget>("Expand"), Qt::LeftButton);
+    QCOMPARE(expandedFolders(),
+             (QStringList{"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}));
+    QVERIFY(tree->viewport()->rect().intersects(tree->visualRect(w.node("Menu6"))));
+    QTest::mouseClick(w.child<QWidget>("onlymenus"), Qt::LeftButton);
+    QCOMPARE(expandedFolders(), (QStringList{"Menu0", "Menu1", "Menu2"}));
+    QCOMPARE(w.host.endCount, 0);
+}
+
+void WindowTreeTest::folderClickShowsItsBitmapInThePreview() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    QVERIFY(QDir(w.dir.path()).mkdir(QStringLiteral("img")));
+    vkl::test::writeBmp(w.path("img/holes.bmp"), 48, 32);
+    vkl::test::writeBmp(w.path("img/threads.bmp"), 64, 40);
+    QVERIFY(w.open(window_test::toolsMenu()));
+    QVERIFY(!w.child<QWidget>("preview"));
+    const QSize margins(qRound(850 * w.window.logicalDpiX() / 1440.0),
+                        qRound(500 * w.window.logicalDpiY() / 1440.0));
+    QWidget* viewport = w.tree()->viewport();
+
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu1"));
+    QVERIFY(w.host.messages.empty());
+    auto* preview = w.child<QWidget>("preview");
+    QVERIFY(preview && preview->isVisible());
+    QVERIFY(preview->isWindow());
+    QCOMPARE(preview->parentWidget(), &w.window);
+    auto* box = preview->findChild<QLabel*>(QStringLiteral("Picture1"));
+    QVERIFY(box && box->isVisible());
+    QCOMPARE(box->pixmap().size(), QSize(48, 32));
+    QCOMPARE(box->size(), QSize(48, 32));
+    QCOMPARE(preview->size(), QSize(48, 32) + margins);
+    QVERIFY(preview->rect().contains(box->geometry()));
+    const QImage holes = box->pixmap().toImage();
+    // It opens in the lower corner of the tree, clear of the grid, and keeps that corner.
+    const QWidget* treeArea = w.tree()->viewport();
+    const QRect treeOnScreen(treeArea->mapToGlobal(QPoint(0, 0)), treeArea->size());
+    QVERIFY(treeOnScreen.contains(preview->geometry()));
+    QVERIFY(preview->geometry().bottom() > treeOnScreen.center().y());
+    const QPoint corner = preview->frameGeometry().bottomRight();
+
+    // A second folder replaces the picture in the same window.
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu2"));
+    QCOMPARE(w.child<QWidget>("preview"), preview);
+    QVERIFY(preview->isVisible());
+    QCOMPARE(box->pixmap().size(), QSize(64, 40));
+    QCOMPARE(box->size(), QSize(64, 40));
+    QCOMPARE(preview->size(), QSize(64, 40) + margins);
+    QVERIFY(box->pixmap().toImage() != holes);
+    QCOMPARE(preview->frameGeometry().bottomRight(), corner);
+
+    // A folder without a bitmap shows nothing new; a missing file is reported with its path
+    // and the preview keeps its picture.
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu3"));
+    QVERIFY(w.host.messages.empty());
+    QCOMPARE(box->pixmap().size(), QSize(64, 40));
+    QVERIFY(QFile::remove(QString::fromStdString(w.path("img/holes.bmp"))));
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu1"));
+    const std::string where = w.dir.path().replace(QLatin1Char('/'), QLatin1Char('\\')).toStdString();
+    QCOMPARE(w.host.lastPrompt(),
+             "BMP File not found !\r\r\n'" + where + "\\img\\holes.bmp'");
+    QVERIFY(!w.host.messages.back().title.has_value());
+    QCOMPARE(box->pixmap().size(), QSize(64, 40));
+    QVERIFY(preview->isVisible());
+    QCOMPARE(w.host.endCount, 0);
+}
+
+QTEST_MAIN(WindowTreeTest)
+#include "WindowTreeTest.moc"
