@@ -197,13 +197,17 @@ std::string textReport(const std::string& file, const Form1& form, const ReadLog
     const std::string& name = file;
     std::string out;
     for (const Finding& f : found) {
+        // Appended piece by piece: GCC 12 takes "literal + string" for an overlapping copy.
         out += name;
         if (f.line > 0) {
-            out += ":" + std::to_string(f.line);
+            out += ':';
+            out += std::to_string(f.line);
         }
-        out += ": " + f.reason;
+        out += ": ";
+        out += f.reason;
         if (f.text) {
-            out += ": " + shown(*f.text);
+            out += ": ";
+            out += shown(*f.text);
         }
         out += '\n';
     }

@@ -214,6 +214,7 @@ void MainWindow::buildWidgets() {
     table_->setObjectName(QStringLiteral("Table"));
     table_->setModel(gridModel_);
     table_->setItemDelegate(new GridCellDelegate(table_));
+    table_->setShowGrid(false);  // the cells draw the lines
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setMinimumSectionSize(1);
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 8);

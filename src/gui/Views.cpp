@@ -91,7 +91,10 @@ void drawLine(QPainter* painter, const QStyleOptionViewItem& option, QRect room,
     room.adjust(margin, 0, -margin, 0);
     const QFontMetrics& metrics = option.fontMetrics;
     QString shown = text;
-    int width = metrics.horizontalAdvance(shown);
+    // A left-aligned text that fits even in the widest letters needs no measuring.
+    const bool surelyFits = !(alignment & (Qt::AlignHCenter | Qt::AlignRight)) &&
+                            text.size() * metrics.maxWidth() <= room.width();
+    int width = surelyFits ? 0 : metrics.horizontalAdvance(shown);
     if (width > room.width()) {
         shown = metrics.elidedText(text, Qt::ElideRight, room.width());
         width = metrics.horizontalAdvance(shown);
@@ -119,6 +122,29 @@ QPalette::ColorGroup colorGroup(const QStyleOptionViewItem& option) {
 
 void GridCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {
+    // The grid's lines are the last column and row of pixels of every cell, filled solid: the
+    // view's own line drawing blends pixel by pixel and costs as much as the cells' texts.
+    const QRect& whole = option.rect;
+    const QWidget* view = option.widget;
+    const QStyle* style = view ? view->style() : QApplication::style();
+    QColor line = QColor::fromRgba(
+        static_cast<QRgb>(style->styleHint(QStyle::SH_Table_GridLineColor, &option, view)));
+    if (line.alpha() < 255) {
+        const QColor base = option.palette.color(QPalette::Base);
+        const double a = line.alphaF();
+        line = QColor::fromRgbF(static_cast<float>(line.redF() * a + base.redF() * (1 - a)),
+                                static_cast<float>(line.greenF() * a + base.greenF() * (1 - a)),
+                                static_cast<float>(line.blueF() * a + base.blueF() * (1 - a)));
+    }
+    painter->fillRect(QRect(whole.right(), whole.top(), 1, whole.height()), line);
+    painter->fillRect(QRect(whole.left(), whole.bottom(), whole.width() - 1, 1), line);
+    QStyleOptionViewItem cell = option;
+    cell.rect = whole.adjusted(0, 0, -1, -1);
+    paintCell(painter, cell, index);
+}
+
+void GridCellDelegate::paintCell(QPainter* painter, const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const {
     const QVariant back = index.data(Qt::BackgroundRole);
     if (back.isValid()) {
         painter->fillRect(option.rect, qvariant_cast<QBrush>(back));
@@ -126,9 +152,8 @@ void GridCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     const QString text = index.data(Qt::DisplayRole).toString();
     if (!text.isEmpty()) {
         const QVariant align = index.data(Qt::TextAlignmentRole);
-        const Qt::Alignment alignment = align.isValid()
-                                            ? Qt::Alignment(align.toInt())
-                                            : (Qt::AlignLeft | Qt::AlignVCenter);
+        const Qt::Alignment alignment =
+            align.isValid() ? Qt::Alignment(align.toInt()) : (Qt::AlignLeft | Qt::AlignVCenter);
         painter->save();
         painter->setFont(option.font);
         painter->setPen(option.palette.color(colorGroup(option), QPalette::Text));

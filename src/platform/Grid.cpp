@@ -8,7 +8,146 @@
 
 namespace vkl {
 
-Grid::Grid() : pool_(1), order_(1, 0) {}
+namespace {
+// Offsets into a row's line are 16-bit; a text that does not fit gets the cell's own string.
+constexpr size_t kMaxLine = UINT16_MAX;
+}  // namespace
+
+// ---- Rows ----------------------------------------------------------------------------------
+
+Grid::Row::Row(const Row& other)
+    : back(other.back), kept(other.kept), from(other.from), size(other.size), line(other.line) {
+    if (other.own) {
+        own = std::make_unique<std::array<std::string, kCols>>(*other.own);
+    }
+}
+
+Grid::Row& Grid::Row::operator=(const Row& other) {
+    if (this != &other) {
+        Row copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+void Grid::clearRow(Row& row) {
+    // A row taken again comes back empty and without colour, like a new one: every text an
+    // empty part. Its strings stay as storage.
+    row.back.fill(0);
+    row.size.fill(0);
+    row.kept = kAllKept;
+}
+
+std::string_view Grid::textOf(const Row& row, int c) {
+    const auto at = static_cast<size_t>(c);
+    if ((row.kept >> c & 1) != 0) {
+        return {row.line.data() + row.from[at], row.size[at]};
+    }
+    return (*row.own)[at];
+}
+
+std::string& Grid::ownText(Row& row, int c) {
+    if (!row.own) {
+        row.own = std::make_unique<std::array<std::string, kCols>>();
+    }
+    const auto at = static_cast<size_t>(c);
+    std::string& text = (*row.own)[at];
+    if ((row.kept >> c & 1) != 0) {
+        text.assign(row.line, row.from[at], row.size[at]);
+        row.kept = static_cast<uint8_t>(row.kept & ~(1u << c));
+    }
+    return text;
+}
+
+void Grid::store(Row& row, int c, std::string_view text) {
+    const auto at = static_cast<size_t>(c);
+    if ((row.kept >> c & 1) == 0) {
+        // Someone holds this cell's own string: it takes the new text.
+        text::copyInto((*row.own)[at], text);
+        return;
+    }
+    // A part nobody else uses and of the same length (a renumbered line) is overwritten in
+    // place; anything else goes after the line.
+    if (text.size() == row.size[at] && !text.empty()) {
+        const size_t begin = row.from[at];
+        const size_t end = begin + row.size[at];
+        bool shared = false;
+        for (int k = 0; k < kCols; ++k) {
+            const auto other = static_cast<size_t>(k);
+            if (k != c && (row.kept >> k & 1) != 0 && row.size[other] > 0 &&
+                row.from[other] < end && begin < row.from[other] + row.size[other]) {
+                shared = true;
+            }
+        }
+        if (!shared) {
+            std::copy(text.begin(), text.end(), row.line.begin() + static_cast<long>(begin));
+            return;
+        }
+    }
+    if (row.line.size() + text.size() > kMaxLine) {
+        compact(row);
+    }
+    if (row.line.size() + text.size() > kMaxLine) {
+        text::copyInto(ownText(row, c), text);
+        return;
+    }
+    row.from[at] = static_cast<uint16_t>(row.line.size());
+    row.size[at] = static_cast<uint16_t>(text.size());
+    row.line.append(text);
+    // Parts written over and over must not let the line grow without end.
+    size_t used = 0;
+    for (size_t k = 0; k < kCols; ++k) {
+        used += (row.kept >> k & 1) != 0 ? row.size[k] : 0;
+    }
+    if (row.line.size() > 2 * used + 64) {
+        compact(row);
+    }
+}
+
+void Grid::compact(Row& row) {
+    std::string line;
+    for (int k = 0; k < kCols; ++k) {
+        const auto at = static_cast<size_t>(k);
+        if ((row.kept >> k & 1) != 0) {
+            const std::string_view part(row.line.data() + row.from[at], row.size[at]);
+            row.from[at] = static_cast<uint16_t>(line.size());
+            line.append(part);
+        }
+    }
+    row.line.swap(line);
+}
+
+// ---- The grid ------------------------------------------------------------------------------
+
+Grid::Grid() : rows_(0) {
+    grow(1);
+}
+
+Grid::Grid(const Grid& other)
+    : pooled_(other.pooled_),
+      order_(other.order_),
+      rows_(other.rows_),
+      row_(other.row_),
+      col_(other.col_),
+      topRow_(other.topRow_),
+      bulk_(other.bulk_),
+      observer_(other.observer_) {
+    for (const auto& chunk : other.chunks_) {
+        auto copy = std::make_unique<Row[]>(kChunkRows);
+        std::copy(chunk.get(), chunk.get() + kChunkRows, copy.get());
+        chunks_.push_back(std::move(copy));
+    }
+}
+
+Grid& Grid::operator=(const Grid& other) {
+    if (this != &other) {
+        Grid copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+Grid::~Grid() = default;
 
 void Grid::beginBulk() {
     if (bulk_++ == 0 && observer_.beginReset) {
@@ -22,22 +161,17 @@ void Grid::endBulk() {
     }
 }
 
-void Grid::clearRow(Row& row) {
-    // A row taken again comes back empty and without colour, like a new one: every text an
-    // empty part, its strings kept as storage.
-    row.back.fill(0);
-    row.size.fill(0);
-    row.kept = kAllKept;
-}
-
 void Grid::grow(int n) {
     for (auto r = static_cast<size_t>(rows_); r < static_cast<size_t>(n); ++r) {
         if (r < order_.size()) {
-            clearRow(pool_[order_[r]]);
-        } else {
-            order_.push_back(static_cast<uint32_t>(pool_.size()));
-            pool_.emplace_back();
+            clearRow(pooled(order_[r]));
+            continue;
         }
+        if (pooled_ == chunks_.size() * kChunkRows) {
+            chunks_.push_back(std::make_unique<Row[]>(kChunkRows));
+        }
+        clearRow(pooled(pooled_));
+        order_.push_back(pooled_++);
     }
     rows_ = n;
 }
@@ -106,31 +240,13 @@ Grid::Row& Grid::rowAt(int r) const {
     if (r < 0 || r >= rows_) {
         throw RuntimeError::gridSubscript();
     }
-    return pool_[order_[static_cast<size_t>(r)]];
+    return pooled(order_[static_cast<size_t>(r)]);
 }
 
 void Grid::checkCol(int c) {
     if (c < 0 || c >= kCols) {
         throw RuntimeError::gridSubscript();
     }
-}
-
-std::string_view Grid::textOf(const Row& row, int c) {
-    const auto at = static_cast<size_t>(c);
-    if ((row.kept >> c & 1) != 0) {
-        return {row.line.data() + row.from[at], row.size[at]};
-    }
-    return row.text[at];
-}
-
-std::string& Grid::ownText(Row& row, int c) {
-    const auto at = static_cast<size_t>(c);
-    std::string& text = row.text[at];
-    if ((row.kept >> c & 1) != 0) {
-        text.assign(row.line, row.from[at], row.size[at]);
-        row.kept = static_cast<uint8_t>(row.kept & ~(1u << c));
-    }
-    return text;
 }
 
 void Grid::notifyCell(int r, int c) {
@@ -148,22 +264,13 @@ void Grid::setTextMatrix(int r, int c, std::string_view text) {
     checkCol(c);
     Row& row = rowAt(r);
     if (textOf(row, c) != text) {
-        text::copyInto(row.text[static_cast<size_t>(c)], text);
-        row.kept = static_cast<uint8_t>(row.kept & ~(1u << c));
+        store(row, c, text);
         notifyCell(r, c);
     }
 }
 
 void Grid::setRowTexts(int r, const std::array<std::string_view, kCols>& texts) {
-    Row& row = rowAt(r);
-    if (bulk_ > 0) {
-        // Nobody to tell which cells changed: copy without comparing.
-        for (size_t c = 0; c < texts.size(); ++c) {
-            text::copyInto(row.text[c], texts[c]);
-        }
-        row.kept = 0;
-        return;
-    }
+    (void)rowAt(r);  // an unknown row raises the grid's error
     for (int c = 0; c < kCols; ++c) {
         setTextMatrix(r, c, texts[static_cast<size_t>(c)]);
     }
@@ -171,35 +278,37 @@ void Grid::setRowTexts(int r, const std::array<std::string_view, kCols>& texts) 
 
 void Grid::setRowTexts(int r, std::string_view line,
                        const std::array<std::string_view, kCols>& texts) {
-    constexpr size_t kMaxKept = UINT16_MAX;
-    if (bulk_ == 0 || line.size() > kMaxKept) {
+    Row& row = rowAt(r);
+    if (bulk_ == 0 || row.kept != kAllKept || line.size() > kMaxLine) {
+        // Views to tell cell by cell, cells with strings of their own, or a line too long for
+        // the offsets: the texts go in one by one.
         setRowTexts(r, texts);
         return;
     }
-    Row& row = rowAt(r);
+    // A few bytes to spare: renumbering a line later appends nothing.
+    row.line.reserve(line.size() + 8);
     row.line.assign(line);
     // Addresses compared as numbers: a text lies in the line or anywhere else.
     const auto base = reinterpret_cast<uintptr_t>(line.data());
     const size_t length = line.size();
-    uint8_t kept = kAllKept;
     for (size_t c = 0; c < texts.size(); ++c) {
         const std::string_view text = texts[c];
         const uintptr_t offset = reinterpret_cast<uintptr_t>(text.data()) - base;
         size_t at = 0;
         if (text.size() <= length && offset <= length - text.size()) {
             at = offset;
-        } else if (row.line.size() + text.size() <= kMaxKept) {
+        } else if (row.line.size() + text.size() <= kMaxLine) {
             at = row.line.size();  // a text from elsewhere goes after the line
             row.line.append(text);
         } else {
-            text::copyInto(row.text[c], text);
-            kept = static_cast<uint8_t>(kept & ~(1u << c));
+            row.from[c] = 0;
+            row.size[c] = 0;
+            text::copyInto(ownText(row, static_cast<int>(c)), text);
             continue;
         }
         row.from[c] = static_cast<uint16_t>(at);
         row.size[c] = static_cast<uint16_t>(text.size());
     }
-    row.kept = kept;
 }
 
 Color Grid::backColorAt(int r, int c) const {

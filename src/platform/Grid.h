@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,11 @@ class Grid {
     };
 
     Grid();
+    Grid(const Grid& other);
+    Grid& operator=(const Grid& other);
+    Grid(Grid&&) noexcept = default;
+    Grid& operator=(Grid&&) noexcept = default;
+    ~Grid();
 
     int rows() const { return rows_; }
     // Shrinking cuts rows off the end, growing appends empty rows. At least the header row stays.
@@ -54,15 +60,16 @@ class Grid {
     int topRow() const { return topRow_; }
     void setTopRow(int r);
 
-    // The reference stays valid until the cell is written or rows are added or removed.
+    // A cell keeps the string this returns until its row is removed, and the string follows
+    // every later write of the cell.
     const std::string& textMatrix(int r, int c) const;
-    // The text is copied into the cell's own storage.
+    // The text is copied into the grid.
     void setTextMatrix(int r, int c, std::string_view text);
     // Sets the texts of all columns of row r at once, as setTextMatrix column by column would.
     void setRowTexts(int r, const std::array<std::string_view, kCols>& texts);
     // The same for texts that are mostly parts of one line (the fields of a line read from a
-    // file): inside a bulk the row keeps one copy of the line, and a cell makes its own string
-    // of its part only when it is first read or written.
+    // file): the row keeps one copy of the line, and a cell makes a string of its own part
+    // only when textMatrix is first asked for it.
     void setRowTexts(int r, std::string_view line,
                      const std::array<std::string_view, kCols>& texts);
     // The text of the current cell.
@@ -95,35 +102,46 @@ class Grid {
     void endBulk();
 
   private:
-    // What a row is made of, the parts written for every row read placed first (a read
-    // touches two cache lines of a row, not all of it).
+    // A row keeps the texts of its cells in one string, line: cell c is the part [from[c],
+    // from[c] + size[c]) of it while bit c of kept is set. The cells' own strings (own) are
+    // made only for textMatrix, which hands out references; a cell that has its own string
+    // keeps using it. Most rows of a file read never need them, so a row stays small.
     struct Row {
         std::array<Color, kCols> back{};
-        // While bit c of kept is set, the text of cell c is the part [from[c], from[c] +
-        // size[c]) of line (an empty part for an empty cell), and text[c] is only storage
-        // waiting to be used.
         uint8_t kept = 0;
         std::array<uint16_t, kCols> from{};
         std::array<uint16_t, kCols> size{};
         std::string line;
-        std::array<std::string, kCols> text;
+        std::unique_ptr<std::array<std::string, kCols>> own;
+
+        Row() = default;
+        Row(const Row& other);
+        Row& operator=(const Row& other);
+        Row(Row&&) noexcept = default;
+        Row& operator=(Row&&) noexcept = default;
+        ~Row() = default;
     };
     static constexpr uint8_t kAllKept = (1u << kCols) - 1;
+    static constexpr size_t kChunkRows = 1024;
 
     Row& rowAt(int r) const;  // raises the grid's error for a row that does not exist
+    Row& pooled(uint32_t i) const { return chunks_[i / kChunkRows][i % kChunkRows]; }
     static void checkCol(int c);
     static std::string_view textOf(const Row& row, int c);
     static std::string& ownText(Row& row, int c);  // the cell's own string, made if need be
+    static void store(Row& row, int c, std::string_view text);
+    static void compact(Row& row);
     void clampCurrent();
     void currentChanged();
     void notifyCell(int r, int c);
     static void clearRow(Row& row);
     void grow(int n);
 
-    // Table row r is pool_[order_[r]] for r < rows_; the pool rows named after that are storage
-    // kept for reuse. Removing rows moves entries of order_, not rows. Mutable: reading a kept
-    // text makes the cell's own string.
-    mutable std::vector<Row> pool_;
+    // Rows are made in chunks and never move. Table row r is pooled(order_[r]) for r < rows_;
+    // the pooled rows named after that are storage kept for reuse, so removing rows moves
+    // entries of order_, not rows.
+    std::vector<std::unique_ptr<Row[]>> chunks_;
+    uint32_t pooled_ = 0;
     std::vector<uint32_t> order_;
     int rows_ = 1;
     int row_ = 0;

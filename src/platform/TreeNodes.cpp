@@ -192,6 +192,22 @@ int32_t* TreeNodes::stemCell(std::string_view key, bool make) {
     return stemCellOf(*found, number);
 }
 
+TreeNodes::KeyStem* TreeNodes::knownStem(std::string_view stem) const {
+    const auto same = [stem](const std::string& known) {
+        return known.size() == stem.size() && startsWith(stem, known);
+    };
+    if (lastStem_ < stems_.size() && same(stems_[lastStem_].stem)) {
+        return const_cast<KeyStem*>(&stems_[lastStem_]);
+    }
+    for (size_t k = 0; k < stems_.size(); ++k) {
+        if (same(stems_[k].stem)) {
+            lastStem_ = k;
+            return const_cast<KeyStem*>(&stems_[k]);
+        }
+    }
+    return nullptr;
+}
+
 int32_t* TreeNodes::stemCellOf(KeyStem& stem, uint32_t number) {
     std::vector<int32_t>& slots = stem.byNumber;
     if (number >= slots.size()) {
@@ -363,20 +379,7 @@ NodeRef TreeNodes::addNumbered(NodeRef relative, int relationship, std::string_v
     if (!relative.isNull() && !alive(relative)) {
         throw RuntimeError::elementNotFound();
     }
-    const auto same = [stem](const std::string& known) {
-        return known.size() == stem.size() && startsWith(stem, known);
-    };
-    KeyStem* found = nullptr;
-    if (lastStem_ < stems_.size() && same(stems_[lastStem_].stem)) {
-        found = &stems_[lastStem_];
-    } else {
-        for (size_t k = 0; k < stems_.size() && found == nullptr; ++k) {
-            if (same(stems_[k].stem)) {
-                lastStem_ = k;
-                found = &stems_[k];
-            }
-        }
-    }
+    KeyStem* const found = knownStem(stem);
     if (found == nullptr || number < 0 || number >= static_cast<long>(kMaxStemNumber)) {
         // A stem not taken in yet, or a number beyond the arrays: the key as text decides.
         std::string key(stem);
@@ -537,6 +540,15 @@ NodeRef TreeNodes::find(const std::string& key) const {
     return refOf(findSlot(key));
 }
 
+NodeRef TreeNodes::findNumbered(std::string_view stem, long number) const {
+    if (const KeyStem* s = knownStem(stem);
+        s != nullptr && number >= 0 && number < static_cast<long>(kMaxStemNumber)) {
+        const auto at = static_cast<size_t>(number);
+        return refOf(at < s->byNumber.size() ? s->byNumber[at] : -1);
+    }
+    return find(std::string(stem) + text::str(number));
+}
+
 NodeRef TreeNodes::byKey(const std::string& key) const {
     const NodeRef n = find(key);
     if (n.isNull()) {
@@ -596,6 +608,51 @@ void TreeNodes::rekey(const std::vector<std::pair<NodeRef, std::string>>& change
         indexKey(n.slot);
     }
     throw RuntimeError::keyNotUnique();
+}
+
+void TreeNodes::rekeyNumbered(std::string_view stem,
+                              const std::vector<std::pair<NodeRef, long>>& changes) {
+    for (const auto& [n, number] : changes) {
+        node(n);
+    }
+    KeyStem* const s = knownStem(stem);
+    bool direct = s != nullptr;
+    std::vector<char> moving(used_, 0);
+    size_t highest = 0;
+    for (const auto& [n, number] : changes) {
+        char& mark = moving[static_cast<size_t>(n.slot)];
+        // A node named twice, or a number beyond the arrays: the keys as text decide.
+        direct = direct && mark == 0 && number >= 0 && number < static_cast<long>(kMaxStemNumber);
+        mark = 1;
+        highest = std::max(highest, static_cast<size_t>(std::max(number, 0L)));
+    }
+    if (!direct) {
+        std::vector<std::pair<NodeRef, std::string>> keyed;
+        keyed.reserve(changes.size());
+        for (const auto& [n, number] : changes) {
+            keyed.emplace_back(n, std::string(stem) + text::str(number));
+        }
+        rekey(keyed);
+        return;
+    }
+    // Checked before anything changes: a new key held by a node that keeps its key, or given
+    // twice, refuses the whole change.
+    std::vector<char> given(highest + 1, 0);
+    for (const auto& [n, number] : changes) {
+        const auto at = static_cast<size_t>(number);
+        const int32_t holder = at < s->byNumber.size() ? s->byNumber[at] : -1;
+        if ((holder >= 0 && moving[static_cast<size_t>(holder)] == 0) || given[at] != 0) {
+            throw RuntimeError::keyNotUnique();
+        }
+        given[at] = 1;
+    }
+    for (const auto& [n, number] : changes) {
+        unindexKey(n.slot);
+    }
+    for (const auto& [n, number] : changes) {
+        text::copyInto(nodes_[static_cast<size_t>(n.slot)].key, s->keys.text(number));
+        *stemCellOf(*s, static_cast<uint32_t>(number)) = n.slot;
+    }
 }
 
 void TreeNodes::setText(NodeRef n, std::string text) {

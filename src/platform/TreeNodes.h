@@ -73,6 +73,8 @@ class TreeNodes {
     NodeRef byIndex(int index) const;
     NodeRef byKey(const std::string& key) const;
     NodeRef find(const std::string& key) const;
+    // find() for the key made of stem and number ("Child" and 12 for "Child12").
+    NodeRef findNumbered(std::string_view stem, long number) const;
 
     bool alive(NodeRef n) const {
         return n.slot > 0 && static_cast<size_t>(n.slot) < used_ &&
@@ -97,6 +99,9 @@ class TreeNodes {
     // a chain of renumberings cannot collide with itself). A clash with a key left in place
     // raises "Key is not unique in collection" and changes nothing.
     void rekey(const std::vector<std::pair<NodeRef, std::string>>& changes);
+    // rekey() with each new key given as stem and number: what renumbering the item keys of
+    // thousands of rows does, without writing every key out and reading it back.
+    void rekeyNumbered(std::string_view stem, const std::vector<std::pair<NodeRef, long>>& changes);
 
     // Relationships. parent() is null for top-level nodes; the others are null when absent.
     NodeRef parent(NodeRef n) const;
@@ -173,6 +178,7 @@ class TreeNodes {
     static bool numberOf(std::string_view digits, uint32_t& number);
     static bool splitKey(std::string_view key, std::string_view& stem, uint32_t& number);
     KeyStem* matchStem(std::string_view key, uint32_t& number) const;
+    KeyStem* knownStem(std::string_view stem) const;  // a stem taken in, or null
     // The stem array cell of key, grown to hold it when make is set; null when the key is not
     // of that form (or, without make, beyond the array).
     int32_t* stemCell(std::string_view key, bool make);

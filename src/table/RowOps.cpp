@@ -14,11 +14,21 @@ namespace vkl::table {
 
 namespace {
 
+// The stem of the item keys: keys::item(row) is this text followed by the row.
+std::string_view itemStem() {
+    static const std::string stem = [] {
+        std::string key = keys::item(0);
+        key.pop_back();
+        return key;
+    }();
+    return stem;
+}
+
 // Gives every item node whose row k moves up by shift(k) > 0 the key of its new row, all in one
 // rekey so that a chain of renumberings never meets itself.
 template <typename Shift>
 void renumberItemKeys(TreeNodes& nodes, Shift shift) {
-    std::vector<std::pair<NodeRef, std::string>> changes;
+    std::vector<std::pair<NodeRef, long>> changes;
     for (int i = 1; i <= nodes.count(); ++i) {
         const NodeRef n = nodes.byIndex(i);
         const std::string& key = nodes.key(n);
@@ -28,11 +38,11 @@ void renumberItemKeys(TreeNodes& nodes, Shift shift) {
         const long k = keys::rowOf(key);
         const long by = shift(k);
         if (by > 0) {
-            changes.emplace_back(n, keys::item(k - by));
+            changes.emplace_back(n, k - by);
         }
     }
     if (!changes.empty()) {
-        nodes.rekey(changes);
+        nodes.rekeyNumbered(itemStem(), changes);
     }
 }
 
@@ -118,7 +128,7 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
     gone.reserve(static_cast<size_t>(marked));
     for (int r = 1; r < rows; ++r) {
         if (remove[static_cast<size_t>(r)]) {
-            const NodeRef n = nodes.find(keys::item(r));
+            const NodeRef n = nodes.findNumbered(itemStem(), r);
             if (!n.isNull()) {
                 gone.push_back(n);
             }
@@ -175,8 +185,9 @@ void clearSelection(Grid& grid, Color highlightColor, Color defaultCellColor) {
 }
 
 void renumberLines(Grid& grid) {
+    text::DecimalCounter number;
     for (int r = 1; r < grid.rows(); ++r) {
-        grid.setTextMatrix(r, 0, text::str(r));
+        grid.setTextMatrix(r, 0, number.text(r));
     }
 }
 

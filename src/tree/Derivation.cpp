@@ -22,8 +22,15 @@ class BulkNodes {
     TreeNodes& nodes_;
 };
 
-// keys::item(row) is this stem followed by the row.
-constexpr std::string_view kItemStem = "Child";
+// The stem of the item keys: keys::item(row) is this text followed by the row.
+std::string_view itemStem() {
+    static const std::string stem = [] {
+        std::string key = keys::item(0);
+        key.pop_back();
+        return key;
+    }();
+    return stem;
+}
 
 constexpr std::string_view kPlaceholderEn = "[New Item]";
 constexpr std::string_view kPlaceholderDe = "[Neue Zeile]";
@@ -106,7 +113,8 @@ NodeRef LevelDerivation::submenu(int16_t level, std::string_view title,
 
 NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleField) {
     const NodeRef parent = parentFor(level);
-    // keys::item(row) and the upper-cased title, built without allocating: one node per line.
+    // The node keys::item(row) with the title upper-cased, made without allocating: the reader
+    // makes one per line.
     char shortTitle[96];
     std::string_view title;
     if (titleField.size() <= sizeof shortTitle) {
@@ -116,7 +124,7 @@ NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleFie
         text::assignUpper(title_, titleField);
         title = title_;
     }
-    const NodeRef node = nodes_.addNumbered(parent, TreeNodes::kChild, kItemStem, row, title);
+    const NodeRef node = nodes_.addNumbered(parent, TreeNodes::kChild, itemStem(), row, title);
     return place(level, parent, node);
 }
 

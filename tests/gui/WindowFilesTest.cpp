@@ -243,8 +243,9 @@ void WindowFilesTest::saveWritesTheMenuAndItReadsBack() {
     QCOMPARE(w.table()->model()->rowCount(), 7);
     QCOMPARE(w.cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));
     QCOMPARE(w.cellText(2, 4), QStringLiteral("holes.pkg"));
-    QCOMPARE(shownText(w, "Text3"),
-             QStringLiteral("Drilling tools # 1. text in the [About] box # 1. text in the [About] box"));
+    QCOMPARE(
+        shownText(w, "Text3"),
+        QStringLiteral("Drilling tools # 1. text in the [About] box # 1. text in the [About] box"));
     QCOMPARE(treeLines(w.tree()).size(), kToolsTree.size() - 1);  // without the empty submenu
 }
 
@@ -257,7 +258,8 @@ void WindowFilesTest::refusedAndCancelledCommandsChangeNothing() {
     QCOMPARE(w.host.lastPrompt(),
              std::string("Table is all empty or all existing lines have missing entries  ! "
                          "Nothing to save !"));
-    QCOMPARE(w.host.messages.back().title.value_or(""), std::string("Check before saving failed !"));
+    QCOMPARE(w.host.messages.back().title.value_or(""),
+             std::string("Check before saving failed !"));
 
     // A cancelled open leaves table, tree and file name as they were.
     QVERIFY(w.open(window_test::toolsMenu()));

@@ -42,7 +42,9 @@ struct Window {
         window.show();
     }
 
-    std::string path(const char* name) const { return dir.filePath(QLatin1String(name)).toStdString(); }
+    std::string path(const char* name) const {
+        return dir.filePath(QLatin1String(name)).toStdString();
+    }
 
     template <typename W>
     W* child(const char* name) {
@@ -50,9 +52,7 @@ struct Window {
     }
     QTableView* table() { return child<QTableView>("Table"); }
     QTreeView* tree() { return child<QTreeView>("Treeview"); }
-    vkl::gui::TreeModel* treeModel() {
-        return static_cast<vkl::gui::TreeModel*>(tree()->model());
-    }
+    vkl::gui::TreeModel* treeModel() { return static_cast<vkl::gui::TreeModel*>(tree()->model()); }
 
     // A cell of the grid (row 1 is the first line) and a node of the tree, as the views see them.
     QModelIndex cell(int gridRow, int col) { return table()->model()->index(gridRow - 1, col); }

@@ -265,10 +265,10 @@ void WindowTreeTest::popupCommandsAndViewButtonsShowInTheTree() {
     // Removing the children of Holes takes its four lines out of the grid; the inner folder
     // stays, empty.
     rightClick("Menu1", "removechilden");
-    QCOMPARE(treeTexts(model), (QStringList{"Top Menu", "  Holes", "    Threads", "  Slots",
-                                            "    KEY SLOT",
-                                            QString::fromUtf8("    SENKUNG FÜR SCHRAUBEN"),
-                                            "  Empty", "  ABOUT", "  MENU"}));
+    QCOMPARE(treeTexts(model),
+             (QStringList{"Top Menu", "  Holes", "    Threads", "  Slots", "    KEY SLOT",
+                          QString::fromUtf8("    SENKUNG FÜR SCHRAUBEN"), "  Empty", "  ABOUT",
+                          "  MENU"}));
     QCOMPARE(w.table()->model()->rowCount(), 3);
     QCOMPARE(w.cellText(1, 0), QStringLiteral("1"));
     QCOMPARE(w.cellText(1, 1), QStringLiteral("Key slot"));
@@ -355,9 +355,9 @@ void WindowTreeTest::folderClickShowsItsBitmapInThePreview() {
     QCOMPARE(box->pixmap().size(), QSize(64, 40));
     QVERIFY(QFile::remove(QString::fromStdString(w.path("img/holes.bmp"))));
     QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu1"));
-    const std::string where = w.dir.path().replace(QLatin1Char('/'), QLatin1Char('\\')).toStdString();
-    QCOMPARE(w.host.lastPrompt(),
-             "BMP File not found !\r\r\n'" + where + "\\img\\holes.bmp'");
+    const std::string where =
+        w.dir.path().replace(QLatin1Char('/'), QLatin1Char('\\')).toStdString();
+    QCOMPARE(w.host.lastPrompt(), "BMP File not found !\r\r\n'" + where + "\\img\\holes.bmp'");
     QVERIFY(!w.host.messages.back().title.has_value());
     QCOMPARE(box->pixmap().size(), QSize(64, 40));
     QVERIFY(preview->isVisible());
