@@ -119,9 +119,8 @@ void Form1::openFlow() {
     if (remembered) {
         const std::string& name = chosen.fileName;
         const size_t titleLength = std::min(chosen.fileTitle.size(), name.size());
-        menufile::LineWriter out(*remembered);
-        out.writeLine(std::string_view(name).substr(0, name.size() - titleLength));
-        out.commit();
+        menufile::overwriteLine(*remembered,
+                                std::string_view(name).substr(0, name.size() - titleLength));
     }
     readMenuFile(chosen.fileName);
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #if defined(__unix__) || defined(__APPLE__)
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -136,6 +137,50 @@ void LineWriter::commit() {
         throw accessError();
     }
     committed_ = true;
+}
+
+void overwriteLine(const std::string& path, std::string_view line) {
+    std::string bytes(line);
+    bytes += "\r\n";
+#if defined(__unix__) || defined(__APPLE__)
+    // Not opened with truncation: emptying a file and filling it again is, like renaming over
+    // it, what makes the file system write it out at once.
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (fd < 0) {
+        throw createError(errno);
+    }
+    int err = 0;
+    for (size_t done = 0; done < bytes.size();) {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            err = errno;
+            break;
+        }
+        done += static_cast<size_t>(n);
+    }
+    if (err == 0 && ::ftruncate(fd, static_cast<off_t>(bytes.size())) != 0) {
+        err = errno;
+    }
+    if (::close(fd) != 0 && err == 0) {
+        err = errno;
+    }
+#else
+    errno = 0;
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (file == nullptr) {
+        throw createError(errno);
+    }
+    int err = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() ? 0 : errno;
+    if (std::fclose(file) != 0 && err == 0) {
+        err = errno != 0 ? errno : EIO;
+    }
+#endif
+    if (err != 0) {
+        throw err == ENOSPC ? RuntimeError(61, "Disk full") : accessError();
+    }
 }
 
 // ---- Check before saving -------------------------------------------------------------------

@@ -38,6 +38,13 @@ class LineWriter {
     bool committed_ = false;
 };
 
+// Makes line and CR LF the whole content of the file at path, writing over the old bytes in
+// place: no new file beside it and no wait for the disk. For the one-line last-folder file that
+// every open writes, where replacing the file made the file system flush it to disk on every
+// open (costing more than reading the menu) and a torn line only points the Open dialog
+// elsewhere. Raises the errors LineWriter raises.
+void overwriteLine(const std::string& path, std::string_view line);
+
 // Texts of the check before saving and of the writer's reports.
 inline constexpr std::string_view kCheckFailedTitleEn = "Check before saving failed !";
 inline constexpr std::string_view kCheckFailedPromptEn =

@@ -63,12 +63,18 @@ TEST_F(FileFlows, OpenRemembersTheFolderInTheTemporaryFolder) {
     cancelOpen();
     EXPECT_EQ(host.openRequests[3].initialDir, "/quoted, too/");
 
+    // An open writes the file over whatever longer text it held: its line and nothing after.
+    test::writeBytes(lastFolderFile, std::string(3 * menus.size(), 'x') + "\r\nsecond line\r\n");
+    host.answers.push_back(Answer::No);
+    open(example);
+    EXPECT_EQ(readBytes(lastFolderFile), menus + "\r\n");
+
     // Without a temporary folder the file is neither read nor written.
     fs::remove(lastFolderFile);
     host.temp.reset();
     host.answers.push_back(Answer::No);
     open(example);
-    EXPECT_EQ(host.openRequests[4].initialDir, "");
+    EXPECT_EQ(host.openRequests[5].initialDir, "");
     EXPECT_FALSE(fs::exists(lastFolderFile));
 }
 
