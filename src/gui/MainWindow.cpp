@@ -548,11 +548,8 @@ void MainWindow::refreshExpansion(const QModelIndex& below) {
     if (!below.isValid()) {
         // After a reset the view has forgotten every expanded node: one pass over the
         // collection tells it the expanded ones.
-        for (int i = 1; i <= nodes.count(); ++i) {
-            const NodeRef n = nodes.byIndex(i);
-            if (nodes.expanded(n) && nodes.childCount(n) > 0) {
-                tree_->setExpanded(treeModel_->indexOf(n), true);
-            }
+        for (const NodeRef n : nodes.expandedParents()) {
+            tree_->setExpanded(treeModel_->indexOf(n), true);
         }
         syncing_ = was;
         return;

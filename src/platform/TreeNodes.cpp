@@ -279,30 +279,8 @@ void TreeNodes::unindexKey(int32_t slot) {
 
 // ---- Nodes ---------------------------------------------------------------------------------
 
-const TreeNodes::Node& TreeNodes::node(NodeRef n) const {
-    if (!alive(n)) {
-        throw RuntimeError::objectNotSet();
-    }
-    return nodes_[static_cast<size_t>(n.slot)];
-}
-
-TreeNodes::Node& TreeNodes::node(NodeRef n) {
-    return const_cast<Node&>(static_cast<const TreeNodes*>(this)->node(n));
-}
-
-NodeRef TreeNodes::refOf(int32_t slot) const {
-    if (slot <= 0) {
-        return {};
-    }
-    return {slot, nodes_[static_cast<size_t>(slot)].uid};
-}
-
-int32_t TreeNodes::slotOf(NodeRef n) const {
-    if (n.isNull()) {
-        return 0;
-    }
-    node(n);  // validates
-    return n.slot;
+void TreeNodes::deadNode() {
+    throw RuntimeError::objectNotSet();
 }
 
 void TreeNodes::insertKid(int32_t parent, int pos, int32_t kid) {
@@ -739,16 +717,15 @@ int TreeNodes::children(NodeRef n) const {
     return static_cast<int>(node(n).kids.size());
 }
 
-NodeRef TreeNodes::childAt(NodeRef parent, int pos) const {
-    const auto& kids = nodes_[static_cast<size_t>(slotOf(parent))].kids;
-    if (pos < 0 || static_cast<size_t>(pos) >= kids.size()) {
-        return {};
+std::vector<NodeRef> TreeNodes::expandedParents() const {
+    std::vector<NodeRef> found;
+    for (size_t slot = 1; slot < used_; ++slot) {
+        const Node& n = nodes_[slot];
+        if (n.alive && n.expanded && !n.kids.empty()) {
+            found.push_back({static_cast<int32_t>(slot), n.uid});
+        }
     }
-    return refOf(kids[static_cast<size_t>(pos)]);
-}
-
-int TreeNodes::childCount(NodeRef parent) const {
-    return static_cast<int>(nodes_[static_cast<size_t>(slotOf(parent))].kids.size());
+    return found;
 }
 
 bool TreeNodes::isAncestorOf(NodeRef ancestor, NodeRef n) const {

@@ -115,9 +115,21 @@ class TreeNodes {
     // Position among its siblings (0-based) and the sibling at a position; a null parent means
     // the top level.
     int position(NodeRef n) const { return node(n).pos; }
-    NodeRef childAt(NodeRef parent, int pos) const;
-    int childCount(NodeRef parent) const;
+    // Inline: a tree view asks for these once or twice per node on every layout.
+    NodeRef childAt(NodeRef parent, int pos) const {
+        const auto& kids = nodes_[static_cast<size_t>(slotOf(parent))].kids;
+        if (pos < 0 || static_cast<size_t>(pos) >= kids.size()) {
+            return {};
+        }
+        return refOf(kids[static_cast<size_t>(pos)]);
+    }
+    int childCount(NodeRef parent) const {
+        return static_cast<int>(nodes_[static_cast<size_t>(slotOf(parent))].kids.size());
+    }
     bool isAncestorOf(NodeRef ancestor, NodeRef n) const;
+    // The live nodes that are expanded and have children, in no particular order: what a view
+    // that has forgotten every expanded node needs, found in one pass.
+    std::vector<NodeRef> expandedParents() const;
 
     // Assigning Parent: the node, with its subtree, becomes the last child of newParent and
     // keeps its index. Moving a node below itself raises the control's invalid-parent error.
@@ -159,10 +171,31 @@ class TreeNodes {
     static constexpr size_t kMaxStems = 4;
     static constexpr uint32_t kMaxStemNumber = 1u << 16;
 
-    const Node& node(NodeRef n) const;
-    Node& node(NodeRef n);
-    NodeRef refOf(int32_t slot) const;
-    int32_t slotOf(NodeRef n) const;  // 0 for a null reference (the top level)
+    // The node of a live reference; raises "Object variable not set" for any other.
+    const Node& node(NodeRef n) const {
+        if (!alive(n)) {
+            deadNode();
+        }
+        return nodes_[static_cast<size_t>(n.slot)];
+    }
+    Node& node(NodeRef n) {
+        return const_cast<Node&>(static_cast<const TreeNodes*>(this)->node(n));
+    }
+    [[noreturn]] static void deadNode();
+    NodeRef refOf(int32_t slot) const {
+        if (slot <= 0) {
+            return {};
+        }
+        return {slot, nodes_[static_cast<size_t>(slot)].uid};
+    }
+    // 0 for a null reference (the top level); raises as node() for a dead one.
+    int32_t slotOf(NodeRef n) const {
+        if (n.isNull()) {
+            return 0;
+        }
+        node(n);  // validates
+        return n.slot;
+    }
     void insertKid(int32_t parent, int pos, int32_t kid);
     void eraseKid(int32_t parent, int pos);
     void collectSubtree(int32_t slot, std::vector<int32_t>& out) const;
