@@ -48,6 +48,7 @@ void TreeNodes::clear() {
     nodes_[0].kids.clear();
     used_ = 1;
     order_.clear();
+    unfolded_.clear();
     for (KeyStem& s : stems_) {
         std::fill(s.byNumber.begin(), s.byNumber.end(), -1);
     }
@@ -657,6 +658,9 @@ void TreeNodes::setExpanded(NodeRef n, bool expanded) {
     Node& target = node(n);
     if (target.expanded != expanded) {
         target.expanded = expanded;
+        if (expanded) {
+            unfolded_.push_back(n.slot);
+        }
         if (bulk_ == 0) {
             call(observer_.expandedChanged, n);
         }
@@ -668,6 +672,7 @@ void TreeNodes::ensureVisible(NodeRef n) {
         Node& up = nodes_[static_cast<size_t>(p)];
         if (!up.expanded) {
             up.expanded = true;
+            unfolded_.push_back(p);
             if (bulk_ == 0) {
                 call(observer_.expandedChanged, refOf(p));
             }
@@ -718,11 +723,20 @@ int TreeNodes::children(NodeRef n) const {
 }
 
 std::vector<NodeRef> TreeNodes::expandedParents() const {
+    // Every node unfolded since the last clear was noted when it was unfolded: the few hundred
+    // notes are looked at, not the nodes. Notes of nodes folded or removed since, and second
+    // notes of the same node, go.
+    std::sort(unfolded_.begin(), unfolded_.end());
+    unfolded_.erase(std::unique(unfolded_.begin(), unfolded_.end()), unfolded_.end());
+    std::erase_if(unfolded_, [this](int32_t slot) {
+        const Node& n = nodes_[static_cast<size_t>(slot)];
+        return !n.alive || !n.expanded;
+    });
     std::vector<NodeRef> found;
-    for (size_t slot = 1; slot < used_; ++slot) {
-        const Node& n = nodes_[slot];
-        if (n.alive && n.expanded && !n.kids.empty()) {
-            found.push_back({static_cast<int32_t>(slot), n.uid});
+    for (const int32_t slot : unfolded_) {
+        const Node& n = nodes_[static_cast<size_t>(slot)];
+        if (!n.kids.empty()) {
+            found.push_back({slot, n.uid});
         }
     }
     return found;

@@ -231,6 +231,9 @@ class TreeNodes {
     std::vector<Node> nodes_ = std::vector<Node>(1);  // slot 0: super-root
     size_t used_ = 1;
     std::vector<int32_t> order_;  // index-1 -> slot
+    // Slots of the nodes unfolded since the last clear, noted as they unfold; a note may be
+    // doubled or stale until expandedParents() tidies the list.
+    mutable std::vector<int32_t> unfolded_;
     std::vector<KeyStem> stems_;
     mutable size_t lastStem_ = 0;  // where the stems are searched first
     std::vector<KeyEntry> keyTable_;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "platform/RuntimeError.h"
 #include "platform/TreeNodes.h"
 
@@ -140,6 +142,42 @@ TEST(TreeNodes, EnsureVisibleExpandsAncestorsOnly) {
     EXPECT_TRUE(t.expanded(t.byKey("Menu0")));
     EXPECT_FALSE(t.expanded(t.byKey("deep")));
     EXPECT_FALSE(t.expanded(t.byKey("B")));
+}
+
+// The unfolded nodes with children, by key, as a view after a reset is told them.
+std::vector<std::string> expandedParentKeys(const TreeNodes& t) {
+    std::vector<std::string> keys;
+    for (const NodeRef n : t.expandedParents()) {
+        keys.push_back(t.key(n));
+    }
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+TEST(TreeNodes, ExpandedParentsAreTheUnfoldedNodesThatHaveChildren) {
+    TreeNodes t = sample();
+    t.add("a1", TreeNodes::kChild, "deep", "deep");
+    t.ensureVisible(t.byKey("deep"));    // Menu0, A, a1
+    t.setExpanded(t.byKey("b1"), true);  // a leaf: unfolded, but nothing to show
+    t.setExpanded(t.byKey("B"), true);
+    t.setExpanded(t.byKey("B"), false);  // folded again
+    t.setExpanded(t.byKey("A"), false);
+    t.setExpanded(t.byKey("A"), true);  // unfolded twice
+    EXPECT_EQ(expandedParentKeys(t), (std::vector<std::string>{"A", "Menu0", "a1"}));
+
+    // A removed node goes; a leaf that gets a child counts from then on; asking twice changes
+    // nothing.
+    t.remove(t.byKey("deep"));
+    t.add("b1", TreeNodes::kChild, "b1x", "b1x");
+    t.remove(t.byKey("A"));
+    EXPECT_EQ(expandedParentKeys(t), (std::vector<std::string>{"Menu0", "b1"}));
+    EXPECT_EQ(expandedParentKeys(t), (std::vector<std::string>{"Menu0", "b1"}));
+
+    // A cleared collection starts without any.
+    t.clear();
+    t.add(NodeRef{}, TreeNodes::kChild, "Menu0", "Top Menu");
+    t.add("Menu0", TreeNodes::kChild, "A", "A");
+    EXPECT_TRUE(t.expandedParents().empty());
 }
 
 }  // namespace
