@@ -346,7 +346,8 @@ class MenuReader {
         }
         fields_.split(line);
         const std::string_view title = trimmed(fields_[0]);
-        if (text::iequals(title, "shortcut")) {
+        constexpr std::string_view kShortcut = "shortcut";
+        if (title.size() == kShortcut.size() && text::iequals(title, kShortcut)) {
             shortcutLine();
             return;
         }
@@ -409,7 +410,7 @@ class MenuReader {
         const std::string_view bitmap = fields_[1];
         const std::string_view action = fields_[2];
         const std::string_view parameter = fields_[3];
-        const bool package = text::iequals(action, "LOS");
+        const bool package = action.size() == 3 && text::iequals(action, "LOS");
         // Number, title, bitmap name, action, parameter as shown, bitmap and parameter as
         // written; an empty bitmap leaves both bitmap cells empty.
         g.setRowTexts(row, line,

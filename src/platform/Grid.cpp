@@ -204,7 +204,12 @@ void Grid::setRows(int n) {
 int Grid::appendRow() {
     // setRows(rows() + 1) for the one row the reader adds per line.
     const int r = rows_;
-    grow(r + 1);
+    if (static_cast<size_t>(r) < order_.size()) {
+        clearRow(pooled(order_[static_cast<size_t>(r)]));  // a row kept from an earlier table
+        rows_ = r + 1;
+    } else {
+        grow(r + 1);
+    }
     if (bulk_ == 0 && observer_.rowsInserted) {
         observer_.rowsInserted(r, r);
     }
@@ -220,12 +225,6 @@ void Grid::clampCurrent() {
     }
 }
 
-void Grid::currentChanged() {
-    if (bulk_ == 0 && observer_.currentChanged) {
-        observer_.currentChanged();
-    }
-}
-
 void Grid::setTopRow(int r) {
     if (r < 1 || r >= rows()) {
         return;
@@ -236,17 +235,8 @@ void Grid::setTopRow(int r) {
     }
 }
 
-Grid::Row& Grid::rowAt(int r) const {
-    if (r < 0 || r >= rows_) {
-        throw RuntimeError::gridSubscript();
-    }
-    return pooled(order_[static_cast<size_t>(r)]);
-}
-
-void Grid::checkCol(int c) {
-    if (c < 0 || c >= kCols) {
-        throw RuntimeError::gridSubscript();
-    }
+void Grid::badCell() {
+    throw RuntimeError::gridSubscript();
 }
 
 void Grid::notifyCell(int r, int c) {
@@ -286,7 +276,9 @@ void Grid::setRowTexts(int r, std::string_view line,
         return;
     }
     // A few bytes to spare: renumbering a line later appends nothing.
-    row.line.reserve(line.size() + 8);
+    if (row.line.capacity() < line.size() + 8) {
+        row.line.reserve(line.size() + 8);
+    }
     row.line.assign(line);
     // Addresses compared as numbers: a text lies in the line or anywhere else.
     const auto base = reinterpret_cast<uintptr_t>(line.data());
@@ -308,20 +300,6 @@ void Grid::setRowTexts(int r, std::string_view line,
         }
         row.from[c] = static_cast<uint16_t>(at);
         row.size[c] = static_cast<uint16_t>(text.size());
-    }
-}
-
-Color Grid::backColorAt(int r, int c) const {
-    checkCol(c);
-    return rowAt(r).back[static_cast<size_t>(c)];
-}
-
-void Grid::setBackColorAt(int r, int c, Color color) {
-    checkCol(c);
-    Color& target = rowAt(r).back[static_cast<size_t>(c)];
-    if (target != color) {
-        target = color;
-        notifyCell(r, c);
     }
 }
 

@@ -79,8 +79,19 @@ class Grid {
     // The back colour of the current cell; an unset cell reads 0.
     Color cellBackColor() const { return backColorAt(row_, col_); }
     void setCellBackColor(Color c) { setBackColorAt(row_, col_, c); }
-    Color backColorAt(int r, int c) const;
-    void setBackColorAt(int r, int c, Color color);
+    // Inline: reading colours two cells per line.
+    Color backColorAt(int r, int c) const {
+        checkCol(c);
+        return rowAt(r).back[static_cast<size_t>(c)];
+    }
+    void setBackColorAt(int r, int c, Color color) {
+        checkCol(c);
+        Color& target = rowAt(r).back[static_cast<size_t>(c)];
+        if (target != color) {
+            target = color;
+            notifyCell(r, c);
+        }
+    }
 
     // The grid's own back colour (what the window paints where a cell has none of its own).
     Color backColor() const { return kWindowColor; }
@@ -124,15 +135,30 @@ class Grid {
     static constexpr uint8_t kAllKept = (1u << kCols) - 1;
     static constexpr size_t kChunkRows = 1024;
 
-    Row& rowAt(int r) const;  // raises the grid's error for a row that does not exist
+    // The row of table row r; raises the grid's error for a row that does not exist.
+    Row& rowAt(int r) const {
+        if (r < 0 || r >= rows_) {
+            badCell();
+        }
+        return pooled(order_[static_cast<size_t>(r)]);
+    }
     Row& pooled(uint32_t i) const { return chunks_[i / kChunkRows][i % kChunkRows]; }
-    static void checkCol(int c);
+    static void checkCol(int c) {
+        if (c < 0 || c >= kCols) {
+            badCell();
+        }
+    }
+    [[noreturn]] static void badCell();
     static std::string_view textOf(const Row& row, int c);
     static std::string& ownText(Row& row, int c);  // the cell's own string, made if need be
     static void store(Row& row, int c, std::string_view text);
     static void compact(Row& row);
     void clampCurrent();
-    void currentChanged();
+    void currentChanged() {
+        if (bulk_ == 0 && observer_.currentChanged) {
+            observer_.currentChanged();
+        }
+    }
     void notifyCell(int r, int c);
     static void clearRow(Row& row);
     void grow(int n);

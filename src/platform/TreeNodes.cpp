@@ -372,6 +372,38 @@ NodeRef TreeNodes::addNumbered(NodeRef relative, int relationship, std::string_v
     return insertNode(relative, relationship, cell, found->keys.text(number), text, image);
 }
 
+NodeRef TreeNodes::appendNumbered(NodeRef parent, std::string_view stem, long number,
+                                  std::string_view text) {
+    if (!alive(parent) || number < 0 || number >= static_cast<long>(kMaxStemNumber)) {
+        return {};
+    }
+    KeyStem* const found = knownStem(stem);
+    if (found == nullptr) {
+        return {};
+    }
+    int32_t* const cell = stemCellOf(*found, static_cast<uint32_t>(number));
+    if (*cell >= 0) {
+        throw RuntimeError::keyNotUnique();
+    }
+    const int pos = static_cast<int>(nodes_[static_cast<size_t>(parent.slot)].kids.size());
+    if (bulk_ == 0) {
+        call(observer_.aboutToInsert, parent, pos);
+    }
+    const int32_t slot = newSlot(found->keys.text(number), text, {});
+    Node& n = nodes_[static_cast<size_t>(slot)];
+    n.uid = nextUid_++;
+    n.index = count() + 1;
+    n.parent = parent.slot;
+    n.pos = pos;
+    order_.push_back(slot);
+    *cell = slot;
+    nodes_[static_cast<size_t>(parent.slot)].kids.push_back(slot);
+    if (bulk_ == 0) {
+        call(observer_.inserted);
+    }
+    return {slot, n.uid};
+}
+
 NodeRef TreeNodes::insertNode(NodeRef relative, int relationship, int32_t* cell,
                               std::string_view key, std::string_view text, std::string_view image) {
     int32_t parent = 0;

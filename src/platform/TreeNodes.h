@@ -61,6 +61,11 @@ class TreeNodes {
     // writing each key out and reading it back.
     NodeRef addNumbered(NodeRef relative, int relationship, std::string_view stem, long number,
                         std::string_view text, std::string_view image = {});
+    // addNumbered(parent, kChild, stem, number, text) for a live parent, a stem taken in and a
+    // number the arrays hold: what reading does once per item line, in one step. Returns a
+    // null reference, having done nothing, when one of these does not hold.
+    NodeRef appendNumbered(NodeRef parent, std::string_view stem, long number,
+                           std::string_view text);
 
     // Removes the node and its whole subtree.
     void remove(NodeRef node);

@@ -112,7 +112,17 @@ NodeRef LevelDerivation::submenu(int16_t level, std::string_view title,
 }
 
 NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleField) {
-    const NodeRef parent = parentFor(level);
+    // Nearly every line: a level reached before, under the live level node one up. What
+    // parentFor would find, without its bookkeeping, which changes nothing then.
+    NodeRef parent;
+    const auto deepest = static_cast<size_t>(state_.deepestLevel);
+    if (level > 1 && level <= state_.deepestLevel && state_.levelNodes.size() > deepest &&
+        nodes_.alive(state_.levelNodes[static_cast<size_t>(level) - 1])) {
+        state_.currentLevel = level;
+        parent = state_.levelNodes[static_cast<size_t>(level) - 1];
+    } else {
+        parent = parentFor(level);
+    }
     // The node keys::item(row) with the title upper-cased, made without allocating: the reader
     // makes one per line.
     char shortTitle[96];
@@ -124,7 +134,10 @@ NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleFie
         text::assignUpper(title_, titleField);
         title = title_;
     }
-    const NodeRef node = nodes_.addNumbered(parent, TreeNodes::kChild, itemStem(), row, title);
+    NodeRef node = nodes_.appendNumbered(parent, itemStem(), row, title);
+    if (node.isNull()) {
+        node = nodes_.addNumbered(parent, TreeNodes::kChild, itemStem(), row, title);
+    }
     return place(level, parent, node);
 }
 

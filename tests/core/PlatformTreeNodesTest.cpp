@@ -144,6 +144,32 @@ TEST(TreeNodes, EnsureVisibleExpandsAncestorsOnly) {
     EXPECT_FALSE(t.expanded(t.byKey("B")));
 }
 
+TEST(TreeNodes, NumberedKeysAreTheKeysOfStemAndNumber) {
+    TreeNodes t = sample();
+    const NodeRef a = t.byKey("A");
+    // The general way and the reader's one-step way make the same kind of node.
+    const NodeRef first = t.addNumbered(a, TreeNodes::kChild, "Child", 7, "SEVEN");
+    const NodeRef second = t.appendNumbered(a, "Child", 12, "TWELVE");
+    ASSERT_FALSE(second.isNull());
+    EXPECT_EQ(childKeys(t, "A"), (std::vector<std::string>{"a1", "a2", "Child7", "Child12"}));
+    EXPECT_EQ(t.byKey("Child12"), second);
+    EXPECT_EQ(t.findNumbered("Child", 7), first);
+    EXPECT_EQ(t.text(second), "TWELVE");
+    EXPECT_EQ(t.index(second), 8);
+    EXPECT_EQ(t.position(second), 3);
+    // A key in use raises as add does; the one-step way declines a parent that is gone, a
+    // stem not taken in and a number beyond the arrays, leaving the tree as it was.
+    const int notUnique = errorOf([&] { t.add("A", TreeNodes::kChild, "Child7", "again"); });
+    EXPECT_NE(notUnique, 0);
+    EXPECT_EQ(errorOf([&] { t.appendNumbered(a, "Child", 7, "again"); }), notUnique);
+    const NodeRef b1 = t.byKey("b1");
+    t.remove(b1);
+    EXPECT_TRUE(t.appendNumbered(b1, "Child", 20, "x").isNull());
+    EXPECT_TRUE(t.appendNumbered(a, "Other", 21, "x").isNull());
+    EXPECT_TRUE(t.appendNumbered(a, "Child", 1L << 20, "x").isNull());
+    EXPECT_EQ(t.count(), 7);
+}
+
 // The unfolded nodes with children, by key, as a view after a reset is told them.
 std::vector<std::string> expandedParentKeys(const TreeNodes& t) {
     std::vector<std::string> keys;
