@@ -23,9 +23,11 @@ echo "== benchmarks (Release)"
 bash scripts/build.sh build/release -DCMAKE_BUILD_TYPE=Release -DVKL_TESTS=OFF
 if [[ -x build/release/bench/vkl_bench ]]; then
     QT_QPA_PLATFORM=offscreen build/release/bench/vkl_bench --benchmark_format=json \
-        --benchmark_repetitions=5 --benchmark_out=build/release/bench.json \
+        --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
+        --benchmark_out=build/release/bench.json \
         --benchmark_out_format=json >/dev/null
-    # Each benchmark's median of five is printed beside its floor's from the same run. A ratio
+    # Each benchmark's median of five is printed beside its floor's from the same run; the
+    # repetitions are interleaved, so a slow spell of the machine slows both sides. A ratio
     # over its limit fails the run only with VKL_BENCH_STRICT=1: on a shared two-core machine
     # timings swing.
     if ! python3 scripts/bench_ratios.py build/release/bench.json; then

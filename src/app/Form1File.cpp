@@ -94,7 +94,7 @@ void Form1::openFlow() {
     appendStartRow = 1;
     for (int r = Table.rows() - 1; r >= 1 && appendStartRow == 1; --r) {
         for (int c = 1; c < Table.cols(); ++c) {
-            if (!Table.textMatrix(r, c).empty()) {
+            if (!Table.textView(r, c).empty()) {
                 appendStartRow = checked16(r);
                 break;
             }

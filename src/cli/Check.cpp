@@ -126,9 +126,9 @@ std::vector<Finding> findings(const Form1& form, const ReadLog& log) {
             continue;
         }
         const int r = static_cast<int>(row);
-        if (trimmed(form.Table.textMatrix(r, 1)).empty() ||
-            trimmed(form.Table.textMatrix(r, 3)).empty() ||
-            trimmed(form.Table.textMatrix(r, 4)).empty()) {
+        if (trimmed(form.Table.textView(r, 1)).empty() ||
+            trimmed(form.Table.textView(r, 3)).empty() ||
+            trimmed(form.Table.textView(r, 4)).empty()) {
             found.push_back({origin->line, rowLeftOutReason(r), origin->text});
         }
     }
@@ -286,7 +286,7 @@ std::string jsonReport(const Form1& form, const ReadLog& log) {
     for (int r = 1; r < form.Table.rows(); ++r) {
         json row = json::array();
         for (int c = 0; c < Grid::kCols; ++c) {
-            row.push_back(utf8(form.Table.textMatrix(r, c)));
+            row.push_back(utf8(form.Table.textView(r, c)));
         }
         rows.push_back(std::move(row));
     }

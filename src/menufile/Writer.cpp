@@ -211,7 +211,7 @@ RowCheck checkRows(const Grid& grid) {
         bool empty = true;
         bool complete = true;
         for (int c = 1; c < grid.cols(); ++c) {
-            const bool cellBlank = blank(grid.textMatrix(r, c));
+            const bool cellBlank = blank(grid.textView(r, c));
             if (!cellBlank) {
                 empty = false;
             }
@@ -359,11 +359,11 @@ class MenuWriter {
             throw RuntimeError::gridSubscript();
         }
         const int r = static_cast<int>(row);
-        const std::string_view title = trimmed(g.textMatrix(r, 1));
-        const std::string_view action = trimmed(g.textMatrix(r, 3));
-        const std::string_view shown = trimmed(g.textMatrix(r, 4));
-        const std::string_view bitmap = trimmed(g.textMatrix(r, 5));
-        const std::string_view written = trimmed(g.textMatrix(r, 6));
+        const std::string_view title = trimmed(g.textView(r, 1));
+        const std::string_view action = trimmed(g.textView(r, 3));
+        const std::string_view shown = trimmed(g.textView(r, 4));
+        const std::string_view bitmap = trimmed(g.textView(r, 5));
+        const std::string_view written = trimmed(g.textView(r, 6));
         if (!title.empty() && !action.empty() && !shown.empty()) {
             const bool package = text::iequals(action, "LOS");
             out_.writeLine({indent_, m_.nodes.text(node), "|", bitmap, "|", action, "|",

@@ -63,6 +63,12 @@ class Grid {
     // A cell keeps the string this returns until its row is removed, and the string follows
     // every later write of the cell.
     const std::string& textMatrix(int r, int c) const;
+    // The same text as a view, without making the cell a string of its own: for reading many
+    // cells once (checking, writing or listing a menu). Valid until the cell or its row changes.
+    std::string_view textView(int r, int c) const {
+        checkCol(c);
+        return textOf(rowAt(r), c);
+    }
     // The text is copied into the grid.
     void setTextMatrix(int r, int c, std::string_view text);
     // Sets the texts of all columns of row r at once, as setTextMatrix column by column would.

@@ -156,7 +156,7 @@ bool deriveFlat(const Grid& grid, TreeNodes& nodes, TreeState& state, int16_t la
     state.resetBitmapList();
     const NodeRef root = addRoot(nodes);
     for (int r = 1; r < grid.rows(); ++r) {
-        std::string title = grid.textMatrix(r, 1);
+        std::string title(grid.textView(r, 1));
         if (title.empty()) {
             // The placeholder is chosen and then replaced: an empty title shows as one blank.
             title = languageCode == 1 ? kPlaceholderEn : kPlaceholderDe;
