@@ -62,13 +62,7 @@ const ReadLog::Origin* ReadLog::originOf(NodeRef node) const {
 
 namespace {
 
-std::string_view trimmed(std::string_view s) {
-    const size_t b = s.find_first_not_of(' ');
-    if (b == std::string_view::npos) {
-        return {};
-    }
-    return s.substr(b, s.find_last_not_of(' ') - b + 1);
-}
+using text::trimmed;
 
 // Which of the reader's limits a run-time error stands for.
 std::string fatalReason(const Form1& form, const FatalLine& fatal) {

@@ -2,23 +2,10 @@
 
 #include <QGuiApplication>
 
+#include "gui/Convert.h"
 #include "platform/Text.h"
 
 namespace vkl::gui {
-
-namespace {
-
-QString toQt(const std::string& cp1252) {
-    return QString::fromStdString(text::cp1252ToUtf8(cp1252));
-}
-
-QColor mix(const QColor& a, const QColor& b, double share) {
-    return QColor::fromRgbF(static_cast<float>(a.redF() * share + b.redF() * (1 - share)),
-                            static_cast<float>(a.greenF() * share + b.greenF() * (1 - share)),
-                            static_cast<float>(a.blueF() * share + b.blueF() * (1 - share)));
-}
-
-}  // namespace
 
 GridModel::GridModel(Grid& grid, QObject* parent)
     : QAbstractTableModel(parent),
@@ -128,7 +115,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     }
     switch (role) {
         case Qt::DisplayRole:
-            return toQt(grid_.textMatrix(r, index.column()));
+            return fromCp1252(grid_.textMatrix(r, index.column()));
         case Qt::BackgroundRole: {
             const QColor c = color(grid_.backColorAt(r, index.column()));
             return c.isValid() ? QVariant(c) : QVariant();
@@ -153,7 +140,7 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
         return QAbstractTableModel::headerData(section, orientation, role);
     }
     if (role == Qt::DisplayRole) {
-        return toQt(grid_.textMatrix(0, section));
+        return fromCp1252(grid_.textMatrix(0, section));
     }
     return {};
 }

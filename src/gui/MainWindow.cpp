@@ -25,6 +25,7 @@
 #include <algorithm>
 #include <new>
 
+#include "gui/Convert.h"
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
 #include "gui/PreviewWindow.h"
@@ -36,14 +37,6 @@
 namespace vkl::gui {
 
 namespace {
-
-QString fromCp1252(const std::string& s) {
-    return QString::fromStdString(text::cp1252ToUtf8(s));
-}
-
-std::string toCp1252(const QString& s) {
-    return text::utf8ToCp1252(s.toStdString());
-}
 
 // Focus that moves because another window or a pop-up took it is no focus change of the form.
 bool formFocusReason(Qt::FocusReason reason) {

@@ -16,20 +16,13 @@
 #include <QPushButton>
 
 #include "app/CommandLine.h"
+#include "gui/Convert.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
 
 namespace vkl::gui {
 
 namespace {
-
-QString fromCp1252(const std::string& s) {
-    return QString::fromStdString(text::cp1252ToUtf8(s));
-}
-
-std::string toCp1252(const QString& s) {
-    return text::utf8ToCp1252(s.toStdString());
-}
 
 QString fromFileName(const std::string& s) {
     return QFile::decodeName(QByteArray::fromStdString(s));

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 
+#include "gui/Convert.h"
 #include "gui/Icons.h"
 #include "platform/Text.h"
 
@@ -22,10 +23,6 @@ NodeRef unpack(quintptr id) {
     n.slot = static_cast<int32_t>(id & 0xFFFFFFFFu);
     n.uid = static_cast<uint64_t>(id >> 32);
     return n;
-}
-
-QString toQt(const std::string& cp1252) {
-    return QString::fromStdString(text::cp1252ToUtf8(cp1252));
 }
 
 }  // namespace
@@ -145,9 +142,9 @@ QVariant TreeModel::data(const QModelIndex& index, int role) const {
     switch (role) {
         case Qt::DisplayRole:
         case Qt::EditRole:
-            return toQt(nodes_.text(n));
+            return fromCp1252(nodes_.text(n));
         case Qt::DecorationRole: {
-            const QIcon icon = icons::node(toQt(nodes_.image(n)));
+            const QIcon icon = icons::node(fromCp1252(nodes_.image(n)));
             return icon.isNull() ? QVariant() : QVariant(icon);
         }
         case Qt::BackgroundRole:

@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QScrollBar>
 
+#include "gui/Convert.h"
 #include "platform/Text.h"
 
 namespace vkl::gui {
@@ -130,11 +131,7 @@ void GridCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     QColor line = QColor::fromRgba(
         static_cast<QRgb>(style->styleHint(QStyle::SH_Table_GridLineColor, &option, view)));
     if (line.alpha() < 255) {
-        const QColor base = option.palette.color(QPalette::Base);
-        const double a = line.alphaF();
-        line = QColor::fromRgbF(static_cast<float>(line.redF() * a + base.redF() * (1 - a)),
-                                static_cast<float>(line.greenF() * a + base.greenF() * (1 - a)),
-                                static_cast<float>(line.blueF() * a + base.blueF() * (1 - a)));
+        line = mix(line, option.palette.color(QPalette::Base), line.alphaF());
     }
     painter->fillRect(QRect(whole.right(), whole.top(), 1, whole.height()), line);
     painter->fillRect(QRect(whole.left(), whole.bottom(), whole.width() - 1, 1), line);

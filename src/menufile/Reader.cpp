@@ -12,6 +12,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "platform/Bulk.h"
 #include "platform/Int16.h"
 #include "platform/Text.h"
 #include "tree/Derivation.h"
@@ -143,17 +144,7 @@ std::string_view bareFileName(std::string_view path) {
 
 namespace {
 
-std::string_view trimmed(std::string_view s) {
-    size_t b = 0;
-    size_t e = s.size();
-    while (b < e && s[b] == ' ') {
-        ++b;
-    }
-    while (e > b && s[e - 1] == ' ') {
-        --e;
-    }
-    return s.substr(b, e - b);
-}
+using text::trimmed;
 
 // The fields of a body line, split at every "|" (empty fields kept). Only the first four are
 // needed: a menu line has exactly four, a SHORTCUT line uses three.
@@ -228,32 +219,14 @@ struct Fields {
 #endif
 };
 
-// Views hear one reset for the whole read instead of one notice per row and node.
-class Bulk {
-  public:
-    Bulk(Grid& grid, TreeNodes& nodes) : grid_(grid), nodes_(nodes) {
-        grid_.beginBulk();
-        nodes_.beginBulk();
-    }
-    ~Bulk() {
-        nodes_.endBulk();
-        grid_.endBulk();
-    }
-    Bulk(const Bulk&) = delete;
-    Bulk& operator=(const Bulk&) = delete;
-
-  private:
-    Grid& grid_;
-    TreeNodes& nodes_;
-};
-
 class MenuReader {
   public:
     // Cuts the table to the append start row; the rows read follow from there.
     MenuReader(const MenuModel& m, int16_t appendStartRow, Color normalColor,
                ReadDiagnostics* diagnostics)
         : m_(m),
-          bulk_(m.grid, m.nodes),
+          gridBulk_(m.grid),
+          nodesBulk_(m.nodes),
           normal_(normalColor),
           diag_(diagnostics),
           derivation_(m.nodes, m.tree) {
@@ -420,7 +393,10 @@ class MenuReader {
     }
 
     const MenuModel& m_;
-    Bulk bulk_;
+    // Views hear one reset for the whole read instead of one notice per row and node; the
+    // tree's comes first, as the members end in the reverse order.
+    BulkScope<Grid> gridBulk_;
+    BulkScope<TreeNodes> nodesBulk_;
     Color normal_;
     ReadDiagnostics* diag_;
     tree::LevelDerivation derivation_;

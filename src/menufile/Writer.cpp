@@ -187,20 +187,10 @@ void overwriteLine(const std::string& path, std::string_view line) {
 
 namespace {
 
+using text::trimmed;
+
 bool blank(std::string_view s) {
     return std::all_of(s.begin(), s.end(), [](char c) { return c == ' '; });
-}
-
-std::string_view trimmed(std::string_view s) {
-    size_t b = 0;
-    size_t e = s.size();
-    while (b < e && s[b] == ' ') {
-        ++b;
-    }
-    while (e > b && s[e - 1] == ' ') {
-        --e;
-    }
-    return s.substr(b, e - b);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 namespace vkl::text {
 
 std::string trim(std::string_view s) {
-    return rtrim(ltrim(s));
+    return std::string(trimmed(s));
 }
 
 std::string ltrim(std::string_view s) {

@@ -9,7 +9,19 @@
 // Text helpers with the semantics the editor relies on. All text is Windows-1252 bytes.
 namespace vkl::text {
 
-// Removes blanks (the space character only, not tabs) at both ends.
+// Removes blanks (the space character only, not tabs) at both ends; trimmed gives the part of
+// s that is left, trim a copy of it.
+inline std::string_view trimmed(std::string_view s) {
+    size_t b = 0;
+    size_t e = s.size();
+    while (b < e && s[b] == ' ') {
+        ++b;
+    }
+    while (e > b && s[e - 1] == ' ') {
+        --e;
+    }
+    return s.substr(b, e - b);
+}
 std::string trim(std::string_view s);
 std::string ltrim(std::string_view s);
 std::string rtrim(std::string_view s);

@@ -353,8 +353,8 @@ NodeRef TreeNodes::add(NodeRef relative, int relationship, std::string_view key,
     return insertNode(relative, relationship, cell, key, text, image);
 }
 
-NodeRef TreeNodes::addNumbered(NodeRef relative, int relationship, std::string_view stem,
-                               long number, std::string_view text, std::string_view image) {
+NodeRef TreeNodes::insertNumbered(NodeRef relative, int relationship, std::string_view stem,
+                                  long number, std::string_view text, std::string_view image) {
     if (!relative.isNull() && !alive(relative)) {
         throw RuntimeError::elementNotFound();
     }

@@ -60,10 +60,19 @@ class TreeNodes {
     // ("Child" and 12 for "Child12"): the reader adds one node per line this way, without
     // writing each key out and reading it back.
     NodeRef addNumbered(NodeRef relative, int relationship, std::string_view stem, long number,
-                        std::string_view text, std::string_view image = {});
+                        std::string_view text, std::string_view image = {}) {
+        if (relationship == kChild && image.empty()) {
+            if (const NodeRef added = appendNumbered(relative, stem, number, text);
+                !added.isNull()) {
+                return added;
+            }
+        }
+        return insertNumbered(relative, relationship, stem, number, text, image);
+    }
     // addNumbered(parent, kChild, stem, number, text) for a live parent, a stem taken in and a
-    // number the arrays hold: what reading does once per item line, in one step. Returns a
-    // null reference, having done nothing, when one of these does not hold.
+    // number the arrays hold, in one step: what reading does once per item line, and what
+    // addNumbered does first. Returns a null reference, having done nothing, when one of these
+    // does not hold.
     NodeRef appendNumbered(NodeRef parent, std::string_view stem, long number,
                            std::string_view text);
 
@@ -176,6 +185,10 @@ class TreeNodes {
     static constexpr size_t kMaxStems = 4;
     static constexpr uint32_t kMaxStemNumber = 1u << 16;
 
+    // addNumbered for every case: the relationship placed, the key's text made when the stem
+    // or the number does not fit the arrays.
+    NodeRef insertNumbered(NodeRef relative, int relationship, std::string_view stem, long number,
+                           std::string_view text, std::string_view image);
     // The node of a live reference; raises "Object variable not set" for any other.
     const Node& node(NodeRef n) const {
         if (!alive(n)) {

@@ -14,16 +14,6 @@ namespace vkl::table {
 
 namespace {
 
-// The stem of the item keys: keys::item(row) is this text followed by the row.
-std::string_view itemStem() {
-    static const std::string stem = [] {
-        std::string key = keys::item(0);
-        key.pop_back();
-        return key;
-    }();
-    return stem;
-}
-
 // Gives every item node whose row k moves up by shift(k) > 0 the key of its new row, all in one
 // rekey so that a chain of renumberings never meets itself.
 template <typename Shift>
@@ -42,7 +32,7 @@ void renumberItemKeys(TreeNodes& nodes, Shift shift) {
         }
     }
     if (!changes.empty()) {
-        nodes.rekeyNumbered(itemStem(), changes);
+        nodes.rekeyNumbered(keys::kItemStem, changes);
     }
 }
 
@@ -128,7 +118,7 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
     gone.reserve(static_cast<size_t>(marked));
     for (int r = 1; r < rows; ++r) {
         if (remove[static_cast<size_t>(r)]) {
-            const NodeRef n = nodes.findNumbered(itemStem(), r);
+            const NodeRef n = nodes.findNumbered(keys::kItemStem, r);
             if (!n.isNull()) {
                 gone.push_back(n);
             }

@@ -4,6 +4,7 @@
 #include <climits>
 #include <vector>
 
+#include "platform/Bulk.h"
 #include "platform/Int16.h"
 #include "platform/NodeKeys.h"
 #include "table/RowOps.h"
@@ -18,18 +19,6 @@ NodeRef addSubmenu(TreeNodes& nodes, TreeState& state, const std::string& curren
 }
 
 namespace {
-
-// Keeps the grid's views to one reset for the whole command, also when an error leaves it.
-class GridBulk {
-  public:
-    explicit GridBulk(Grid& g) : grid_(g) { grid_.beginBulk(); }
-    ~GridBulk() { grid_.endBulk(); }
-    GridBulk(const GridBulk&) = delete;
-    GridBulk& operator=(const GridBulk&) = delete;
-
-  private:
-    Grid& grid_;
-};
 
 // The marking walk over a subtree. Marking a level and purging at the end of it, innermost
 // levels first, costs a full pass over the table per folder. The walk below paints the same
@@ -180,7 +169,7 @@ class MarkingWalk {
 
 void markAndPurgeSubtree(Grid& table, TreeNodes& nodes, NodeRef node, Color markingColor,
                          Color defaultCellColor, Color normalColor) {
-    GridBulk bulk(table);
+    const BulkScope<Grid> bulk(table);  // one reset for the whole command
     MarkingWalk walk(table, nodes, markingColor);
     walk.run(node);
     const long current = walk.currentRowAsPainted();

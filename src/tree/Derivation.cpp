@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Bulk.h"
 #include "platform/Int16.h"
 #include "platform/NodeKeys.h"
 #include "platform/Text.h"
@@ -9,28 +10,6 @@
 namespace vkl::tree {
 
 namespace {
-
-// Holds off the views' per-node notices while many nodes change; one reset instead.
-class BulkNodes {
-  public:
-    explicit BulkNodes(TreeNodes& nodes) : nodes_(nodes) { nodes_.beginBulk(); }
-    ~BulkNodes() { nodes_.endBulk(); }
-    BulkNodes(const BulkNodes&) = delete;
-    BulkNodes& operator=(const BulkNodes&) = delete;
-
-  private:
-    TreeNodes& nodes_;
-};
-
-// The stem of the item keys: keys::item(row) is this text followed by the row.
-std::string_view itemStem() {
-    static const std::string stem = [] {
-        std::string key = keys::item(0);
-        key.pop_back();
-        return key;
-    }();
-    return stem;
-}
 
 constexpr std::string_view kPlaceholderEn = "[New Item]";
 constexpr std::string_view kPlaceholderDe = "[Neue Zeile]";
@@ -112,17 +91,7 @@ NodeRef LevelDerivation::submenu(int16_t level, std::string_view title,
 }
 
 NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleField) {
-    // Nearly every line: a level reached before, under the live level node one up. What
-    // parentFor would find, without its bookkeeping, which changes nothing then.
-    NodeRef parent;
-    const auto deepest = static_cast<size_t>(state_.deepestLevel);
-    if (level > 1 && level <= state_.deepestLevel && state_.levelNodes.size() > deepest &&
-        nodes_.alive(state_.levelNodes[static_cast<size_t>(level) - 1])) {
-        state_.currentLevel = level;
-        parent = state_.levelNodes[static_cast<size_t>(level) - 1];
-    } else {
-        parent = parentFor(level);
-    }
+    const NodeRef parent = parentFor(level);
     // The node keys::item(row) with the title upper-cased, made without allocating: the reader
     // makes one per line.
     char shortTitle[96];
@@ -134,10 +103,7 @@ NodeRef LevelDerivation::item(int16_t level, long row, std::string_view titleFie
         text::assignUpper(title_, titleField);
         title = title_;
     }
-    NodeRef node = nodes_.appendNumbered(parent, itemStem(), row, title);
-    if (node.isNull()) {
-        node = nodes_.addNumbered(parent, TreeNodes::kChild, itemStem(), row, title);
-    }
+    const NodeRef node = nodes_.addNumbered(parent, TreeNodes::kChild, keys::kItemStem, row, title);
     return place(level, parent, node);
 }
 
@@ -151,7 +117,7 @@ bool deriveFlat(const Grid& grid, TreeNodes& nodes, TreeState& state, int16_t la
     if (nodes.count() > 0) {
         return false;
     }
-    BulkNodes bulk(nodes);
+    const BulkScope<TreeNodes> bulk(nodes);  // one reset instead of a notice per node
     nodes.clear();
     state.resetBitmapList();
     const NodeRef root = addRoot(nodes);
