@@ -11,6 +11,7 @@
 #include "cli/Check.h"
 #include "cli/ConsoleHost.h"
 #include "cli/Options.h"
+#include "platform/Process.h"
 #include "platform/RuntimeError.h"
 
 namespace vkl::cli {
@@ -90,13 +91,18 @@ int run(const Options& o) {
 
 int main(int argc, char** argv) {
     using namespace vkl::cli;
-    const ParsedOptions parsed = parseOptions(std::vector<std::string>(argv + 1, argv + argc));
+    vkl::process::binaryStdio();
+    const ParsedOptions parsed = parseOptions(vkl::process::arguments(argc, argv));
     if (!parsed.error.empty()) {
         std::fprintf(stderr, "vklcheck: %s\n%s", parsed.error.c_str(), kUsage);
         return kExitUsage;
     }
     if (parsed.options.help) {
         std::fputs(kUsage, stdout);
+        return kExitClean;
+    }
+    if (parsed.options.version) {
+        std::fputs("vklcheck " VKL_VERSION "\n", stdout);
         return kExitClean;
     }
     try {

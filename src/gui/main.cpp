@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QFile>
 
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,16 @@
 
 namespace {
 
+const char* const kHelp =
+    "usage: vkleditor \"<unused>|<install directory>|<language>\"\n"
+    "       vkleditor --help\n"
+    "       vkleditor --version\n"
+    "\n"
+    "Edits the menu files (.vkl) of the Brindlemark add-on. Brindlemark starts the editor with\n"
+    "one argument of three \"|\"-separated fields: a field it does not use, its install\n"
+    "directory (it replaces [installdir] in bitmap paths) and the language of the window,\n"
+    "1 English or 2 German. Only one copy runs per user.\n";
+
 void tell(vkl::Host& host, std::string prompt) {
     vkl::MessageBox box;
     box.prompt = std::move(prompt);
@@ -25,8 +36,13 @@ void tell(vkl::Host& host, std::string prompt) {
 
 int main(int argc, char* argv[]) {
     // The command line as the host passed it, taken before Qt removes the options it knows.
-    const std::string commandLine =
-        vkl::startup::joinArguments(std::vector<std::string>(argv + 1, argv + argc));
+    const std::string commandLine = vkl::startup::hostCommandLine(argc, argv);
+    // A person asking, not the host (whose line holds "|"): answered with no window and no
+    // single-instance lock, so it works beside a running copy and without a display.
+    if (commandLine == "--version" || commandLine == "--help") {
+        std::fputs(commandLine == "--help" ? kHelp : "vkleditor " VKL_VERSION "\n", stdout);
+        return 0;
+    }
 
     // The application keeps the executable's name: the lock file records it, and a later copy
     // takes the lock as stale when the process it names runs under another name.

@@ -1,7 +1,14 @@
 #pragma once
 
+#include <cstdlib>
 #include <optional>
 #include <string>
+
+// MinGW's <stdlib.h> defines "environ" as a macro; Host::environ needs the plain word. Taken
+// after <cstdlib>, whose include guard keeps the macro from coming back.
+#ifdef environ
+#undef environ
+#endif
 
 namespace vkl {
 
