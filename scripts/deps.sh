@@ -6,7 +6,9 @@ PACKAGES=(
     qt6-base-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
-    xvfb xauth imagemagick fonts-dejavu-core
+    xvfb xauth imagemagick fonts-dejavu-core xdotool
+    dpkg-dev desktop-file-utils appstream shared-mime-info groff-base
+    g++-mingw-w64-x86-64-posix googletest wine wine64
 )
 missing=()
 for p in "${PACKAGES[@]}"; do
