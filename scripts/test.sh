@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds and runs every test: unit and window tests under ASan and
-# UBSan, the vklcheck tests, the fuzz run of the reader, and the benchmarks with their ratios.
+# UBSan, the vklcheck tests, the fuzz run of the reader, the benchmarks with their ratios, the
+# Debian package, and the core and vklcheck built for Windows and run under Wine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -20,7 +21,8 @@ else
 fi
 
 echo "== benchmarks (Release)"
-bash scripts/build.sh build/release -DCMAKE_BUILD_TYPE=Release -DVKL_TESTS=OFF
+bash scripts/build.sh build/release -DCMAKE_BUILD_TYPE=Release -DVKL_TESTS=OFF \
+    -DCMAKE_INSTALL_PREFIX=/usr
 if [[ -x build/release/bench/vkl_bench ]]; then
     QT_QPA_PLATFORM=offscreen build/release/bench/vkl_bench --benchmark_format=json \
         --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
@@ -39,4 +41,14 @@ if [[ -x build/release/bench/vkl_bench ]]; then
 else
     echo "no benchmarks yet"
 fi
+echo "== Debian package (cpack -G DEB in the Release build)"
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' build/release/CMakeCache.txt)
+rm -f build/release/vkleditor_*.deb
+(cd build/release && cpack -G DEB >/dev/null)
+deb=build/release/vkleditor_${version}-1_$(dpkg --print-architecture).deb
+dpkg-deb -c "$deb" | awk '$6 !~ /\/$/ && $6 !~ /\.bmp$/ {print "  " $3, $6}'
+bash scripts/check_package.sh "$deb" "$version"
+
+echo "== Windows: core and vklcheck built with MinGW-w64, run under Wine"
+bash scripts/windows_check.sh build/release/src/vklcheck
 echo "== all tests passed"
