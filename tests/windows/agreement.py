@@ -80,11 +80,15 @@ def main():
             name = f"random{i}.vkl"
             menus.write(name, pair + lines, header=header, end=rng.choice(["\r\n", "\n", "\r"]))
             files.append(name)
+        # CTRL-Z ends a file read in the C runtime's text mode; here it is a byte of a title.
+        head = "\r\n".join(menus.HEADER).encode() + b"\r\n"
+        menus.write_bytes("ctrl_z.vkl", head + b"Cut\x1a here|a.bmp|F|f\r\nLast|b.bmp|D|d\r\n\x1a")
+        files.append("ctrl_z.vkl")
         # A name Windows holds only in UTF-16 (the ANSI code page would mangle it), also in a
         # folder of such a name.
         os.mkdir(os.path.join(folder, "M\u00e4rz"))
         for n in ("men\u00fc \u00e4.vkl", os.path.join("M\u00e4rz", "\u00e4\u00df.vkl")):
-            shutil.copyfile(os.path.join(folder, files[-1]), os.path.join(folder, n))
+            shutil.copyfile(os.path.join(folder, "random7.vkl"), os.path.join(folder, n))
             files.append(n)
 
         for n in files:
