@@ -241,7 +241,9 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
     }
     const DWORD attributes = GetFileAttributesW(d.target.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES) {
-        d.target = finalName(d.target);
+        if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+            d.target = finalName(d.target);  // a link: its target is the file to replace
+        }
         const Kind kind = kindOf(utf16::toUtf8(d.target));
         if (kind != Kind::regular) {
             throw kind == Kind::missing ? RuntimeError::pathNotFound() : accessError();
