@@ -405,7 +405,7 @@ def group_files():
         code, out, err = run(name)
         expect_eq((code, out, err.strip()), (2, "", f"vklcheck: {name}: {message}"), name)
     code, out, err = run(big)
-    expect_eq((code, out, err.splitlines()[0]), (2, "", "Run-time error '7': Out of memory"),
+    expect_eq((code, out, (err.splitlines() or [""])[0]), (2, "", "Run-time error '7': Out of memory"),
               "a file larger than any menu")
 
     menu = write("menu.vkl", ["A|a.bmp|F|f"])
