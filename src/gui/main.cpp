@@ -11,7 +11,7 @@
 #include "app/Form1.h"
 #include "gui/MainWindow.h"
 #include "gui/QtHost.h"
-#include "gui/SingleInstance.h"
+#include "platform/Files.h"
 #include "platform/RuntimeError.h"
 
 namespace {
@@ -44,13 +44,12 @@ int main(int argc, char* argv[]) {
         return 0;
     }
 
-    // The application keeps the executable's name: the lock file records it, and a later copy
-    // takes the lock as stale when the process it names runs under another name.
     QApplication app(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
 
     vkl::gui::QtHost host;
-    vkl::gui::SingleInstance instance;
+    // One copy per user: the lock lives in the user's own runtime folder.
+    vkl::files::InstanceLock instance(vkl::files::userRuntimeFolder() + "vkleditor.lock");
     if (!instance.acquire()) {
         tell(host, vkl::startup::alreadyRunningMessage());
         return 1;

@@ -56,7 +56,7 @@ TEST_F(FileFlows, OpenRemembersTheFolderInTheTemporaryFolder) {
     EXPECT_TRUE(host.messages.empty());
 
     // The delimited read cuts at a comma, unless the text is quoted.
-    test::writeBytes(lastFolderFile, "  /with,comma/\r\n");
+    test::writeBytes(lastFolderFile, "  /with \t ,comma/\r\n");
     cancelOpen();
     EXPECT_EQ(host.openRequests[2].initialDir, "/with");
     test::writeBytes(lastFolderFile, "\"/quoted, too/\"\r\n");
