@@ -20,10 +20,9 @@ fi
 # folders, and the Open dialog starts in examples/.
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-export TMPDIR=$scratch XDG_STATE_HOME=$scratch/state XDG_RUNTIME_DIR=$scratch/run
-mkdir -p "$XDG_STATE_HOME" "$XDG_RUNTIME_DIR"
-chmod 700 "$XDG_RUNTIME_DIR"
-printf '"%s"\r\n' "$root/examples" >"$scratch/ZOVDEF2.txt"
+export XDG_CACHE_HOME=$scratch/cache XDG_RUNTIME_DIR=$scratch/run
+mkdir -p -m 700 "$XDG_CACHE_HOME/vkleditor" "$XDG_RUNTIME_DIR"
+printf '"%s/"\r\n' "$root/examples" >"$XDG_CACHE_HOME/vkleditor/ZOVDEF2.txt"
 
 shots=$root/docs/screenshots
 build/release/src/vkleditor "vkleditor|$root|1" &
