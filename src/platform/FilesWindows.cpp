@@ -222,16 +222,55 @@ File openForReading(const std::string& name, std::uint64_t maxBytes) {
 
 // The new content goes to a temporary file beside the file the name finally stands for, and
 // ReplaceFileW puts it in the target's place in one step, keeping the target's attributes,
-// security and creation time; a link keeps pointing at the replaced file. Windows cannot both
-// replace a file in one step and keep it one file with its other hard links: those keep the
-// old content.
+// security and creation time; a link keeps pointing at the replaced file. A file with other
+// hard links would lose them to a replacement: it is written in place instead, behind a
+// safety copy of its old content (the temporary file) that is put back if a write fails.
 struct SafeWriter::Impl {
     std::wstring target;
     std::wstring temp;
     Handle file;
     bool targetExists = false;
+    bool inPlace = false;
+    std::string content;  // in place: the new bytes, written at commit
     bool committed = false;
 };
+
+namespace {
+
+DWORD linkCount(const std::wstring& name) {
+    Handle h(CreateFileW(name.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+    BY_HANDLE_FILE_INFORMATION info{};
+    return h.valid() && GetFileInformationByHandle(h.h, &info) ? info.nNumberOfLinks : 1;
+}
+
+std::string readWhole(const std::wstring& name) {
+    Handle h(CreateFileW(name.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                         FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!h.valid()) {
+        throw writeError(GetLastError());
+    }
+    std::string bytes;
+    char buffer[65536];
+    DWORD n = 0;
+    while (ReadFile(h.h, buffer, sizeof buffer, &n, nullptr) && n > 0) {
+        bytes.append(buffer, n);
+    }
+    return bytes;
+}
+
+void overwrite(const std::wstring& name, std::string_view bytes) {
+    Handle h(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                         FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!h.valid()) {
+        throw writeError(GetLastError());
+    }
+    writeAll(h.h, bytes);
+    if (!SetEndOfFile(h.h) || !FlushFileBuffers(h.h)) {
+        throw writeError(GetLastError());
+    }
+}
+
+}  // namespace
 
 SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()) {
     Impl& d = *impl_;
@@ -253,6 +292,7 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
             throw accessError();
         }
         d.targetExists = true;
+        d.inPlace = linkCount(d.target) > 1;
     } else {
         const DWORD code = GetLastError();
         if (code != ERROR_FILE_NOT_FOUND) {
@@ -291,6 +331,10 @@ void SafeWriter::write(std::string_view bytes) {
     if (!impl_->file.valid()) {
         throw accessError();
     }
+    if (impl_->inPlace) {
+        impl_->content.append(bytes);
+        return;
+    }
     writeAll(impl_->file.h, bytes);
 }
 
@@ -298,6 +342,28 @@ void SafeWriter::commit() {
     Impl& d = *impl_;
     if (!d.file.valid()) {
         throw accessError();
+    }
+    if (d.inPlace) {
+        const std::string old = readWhole(d.target);
+        writeAll(d.file.h, old);
+        if (!FlushFileBuffers(d.file.h)) {
+            throw writeError(GetLastError());
+        }
+        d.file.close();
+        try {
+            overwrite(d.target, d.content);
+        } catch (const RuntimeError&) {
+            try {
+                overwrite(d.target, old);
+            } catch (const RuntimeError&) {
+                d.committed = true;  // the safety copy stays: it holds the only old bytes
+                throw;
+            }
+            throw;
+        }
+        DeleteFileW(d.temp.c_str());
+        d.committed = true;
+        return;
     }
     if (!FlushFileBuffers(d.file.h)) {
         throw writeError(GetLastError());

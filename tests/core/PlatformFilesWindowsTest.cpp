@@ -78,6 +78,13 @@ TEST(FilesWindows, SavingReplacesTheWholeFileOrNothing) {
     test::writeBytes(target, std::string(5000, 'o'));
     save(target, "new");
     EXPECT_EQ(test::readBytes(target), "new");
+    // Other names of the file see the new bytes too.
+    const std::wstring twin = files::nativePath(dir.file("twin.vkl")).wstring();
+    ASSERT_TRUE(CreateHardLinkW(twin.c_str(), files::nativePath(target).c_str(), nullptr));
+    save(target, "newer");
+    EXPECT_EQ(test::readBytes(dir.file("twin.vkl")), "newer");
+    ASSERT_TRUE(DeleteFileW(twin.c_str()));
+    save(target, "new");
     {
         files::SafeWriter dropped(target);
         dropped.write("half");
