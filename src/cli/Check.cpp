@@ -125,9 +125,7 @@ std::vector<Finding> findings(const Form1& form, const ReadLog& log) {
             continue;
         }
         const int r = static_cast<int>(row);
-        if (trimmed(form.Table.textView(r, 1)).empty() ||
-            trimmed(form.Table.textView(r, 3)).empty() ||
-            trimmed(form.Table.textView(r, 4)).empty()) {
+        if (!menufile::rowComplete(form.Table, r)) {
             found.push_back({origin->line, rowLeftOutReason(r), origin->text});
         }
     }

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <vector>
 
+#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
@@ -60,19 +61,7 @@ std::string computeBitmapPath(Host& host, const BitmapSources& sources,
     if (sources.imageDir.empty()) {
         path = written;
     } else {
-        std::vector<std::pair<std::string, std::string>> environment;
-        for (int i = 1;; ++i) {
-            const std::string entry = host.environ(i);
-            if (entry.empty()) {
-                break;
-            }
-            const size_t eq = entry.find('=');
-            if (eq == std::string::npos) {
-                continue;
-            }
-            environment.emplace_back(text::lower(entry.substr(0, eq)),
-                                     text::lower(entry.substr(eq + 1)));
-        }
+        const auto environment = lowerEnvironment(host);
         std::vector<std::string> parts = text::split(sources.imageDir, '/');
         for (std::string& part : parts) {
             const std::string wanted = text::lower(part);

@@ -88,6 +88,11 @@ bool blank(std::string_view s) {
 
 }  // namespace
 
+bool rowComplete(const Grid& grid, int row) {
+    return !trimmed(grid.textView(row, 1)).empty() && !trimmed(grid.textView(row, 3)).empty() &&
+           !trimmed(grid.textView(row, 4)).empty();
+}
+
 RowCheck checkRows(const Grid& grid) {
     RowCheck count;
     for (int r = 1; r < grid.rows(); ++r) {
@@ -234,7 +239,7 @@ class MenuWriter {
         const std::string_view shown = trimmed(g.textView(r, 4));
         const std::string_view bitmap = trimmed(g.textView(r, 5));
         const std::string_view written = trimmed(g.textView(r, 6));
-        if (!title.empty() && !action.empty() && !shown.empty()) {
+        if (rowComplete(g, r)) {
             const bool package = text::iequals(action, "LOS");
             out_.writeLine({indent_, m_.nodes.text(node), "|", bitmap, "|", action, "|",
                             package ? written : shown});

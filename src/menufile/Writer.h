@@ -59,6 +59,10 @@ inline constexpr std::string_view kSkippedRowsDe =
 // The message about a submenu without children, in English when the code is 1.
 std::string emptySubmenuMessage(std::string_view nodeText, bool english);
 
+// An item row is written only when its title, action and parameter as shown hold more than
+// blanks.
+bool rowComplete(const Grid& grid, int row);
+
 // The scan of the check before saving. A row counts as empty until its first non-blank cell
 // (columns 1 to 6 in order); from there on, an empty cell outside columns 2, 5 and 6 makes it
 // incomplete. Empty cells before the first filled one are not held against the row.
