@@ -14,6 +14,7 @@ bash scripts/build.sh "$build" -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cma
 # display, no debug chatter. UTF-8 locale: Wine passes arguments to Windows in UTF-16 from it.
 export WINEPREFIX=$PWD/$build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
+mkdir -p "$WINEPREFIX"
 # One server for all runs below, gone a minute after the last (already up: status 2).
 wineserver -p 60 || (($? == 2))
 trap 'wineserver -k >/dev/null 2>&1 || true' EXIT
