@@ -8,7 +8,7 @@ linux_vklcheck=$(realpath "$1")
 build=build/windows
 
 bash scripts/build.sh "$build" -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
-    -DCMAKE_BUILD_TYPE=Debug -DVKL_GUI=OFF -DVKL_BENCH=OFF
+    -DCMAKE_BUILD_TYPE=Debug -DVKL_GUI=OFF -DVKL_BENCH=OFF -DVKL_WERROR=ON
 
 # A Wine prefix of the build's own, made without questions: no Mono or Gecko installers, no
 # display, no debug chatter. UTF-8 locale: Wine passes arguments to Windows in UTF-16 from it.

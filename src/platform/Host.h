@@ -28,7 +28,7 @@ struct MessageBox {
 };
 
 struct FileDialog {
-    std::string filter;  // "Name|pattern|Name|pattern"
+    std::string filter;   // "Name|pattern|Name|pattern"
     int filterIndex = 1;  // 1-based, as the common dialog counts
     std::string initialDir;
     bool overwritePrompt = false;
@@ -55,7 +55,7 @@ struct PictureSize {
 };
 
 class Host {
-public:
+  public:
     virtual ~Host() = default;
 
     virtual Answer msgBox(const MessageBox& box) = 0;
