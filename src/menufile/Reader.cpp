@@ -24,10 +24,6 @@ namespace vkl::menufile {
 
 namespace {
 constexpr size_t kBlockSize = 1 << 16;
-
-RuntimeError outOfMemory() {
-    return {7, "Out of memory"};
-}
 }  // namespace
 
 LineReader::LineReader(std::string_view bytes) : data_(bytes.data()), size_(bytes.size()) {}
@@ -49,7 +45,7 @@ bool LineReader::refill() {
         // A file that grows while it is read is bounded like one that was large to begin with.
         bytesRead_ += n;
         if (bytesRead_ > files::kMaxMenuFileBytes) {
-            throw outOfMemory();
+            throw RuntimeError::outOfMemory();
         }
         data_ = buffer_.data();
         size_ = n;
@@ -69,7 +65,7 @@ bool LineReader::refill() {
 
 void LineReader::checkLength() const {
     if (carry_.size() > files::kMaxLineBytes) {
-        throw outOfMemory();
+        throw RuntimeError::outOfMemory();
     }
 }
 

@@ -17,18 +17,6 @@ namespace vkl::files {
 
 namespace {
 
-RuntimeError accessError() {
-    return {75, "Path/File access error"};
-}
-
-RuntimeError diskFull() {
-    return {61, "Disk full"};
-}
-
-RuntimeError outOfMemory() {
-    return {7, "Out of memory"};
-}
-
 // The error of a failed create or write.
 RuntimeError writeError(int err) {
     switch (err) {
@@ -37,9 +25,9 @@ RuntimeError writeError(int err) {
             return RuntimeError::pathNotFound();
         case ENOSPC:
         case EDQUOT:
-            return diskFull();
+            return RuntimeError::diskFull();
         default:
-            return accessError();
+            return RuntimeError::pathFileAccess();
     }
 }
 
@@ -103,12 +91,12 @@ std::string resolveLinks(const std::string& name) {
         std::string target(static_cast<size_t>(st.st_size) + 256, '\0');
         const ssize_t n = ::readlink(path.c_str(), target.data(), target.size());
         if (n < 0) {
-            throw accessError();
+            throw RuntimeError::pathFileAccess();
         }
         target.resize(static_cast<size_t>(n));
         path = target.front() == '/' ? target : folderOf(path) + "/" + target;
     }
-    throw accessError();
+    throw RuntimeError::pathFileAccess();
 }
 
 // A folder of the user's own, made when missing; empty when it is not safely the user's.
@@ -177,23 +165,23 @@ File openForReading(const std::string& name, std::uint64_t maxBytes) {
             case EPERM:
                 throw RuntimeError::permissionDenied();
             default:
-                throw accessError();
+                throw RuntimeError::pathFileAccess();
         }
     }
     struct stat st {};
     if (::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode)) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     if (static_cast<std::uint64_t>(st.st_size) > maxBytes) {
-        throw outOfMemory();
+        throw RuntimeError::outOfMemory();
     }
     const int flags = ::fcntl(fd.get(), F_GETFL);
     if (flags < 0 || ::fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     File file(::fdopen(fd.get(), "rb"));
     if (!file) {
-        throw outOfMemory();
+        throw RuntimeError::outOfMemory();
     }
     fd.release();
     return file;
@@ -259,7 +247,7 @@ struct SafeWriter::Impl {
                 fail(errno);
             }
         }
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     std::string nameBeside() const {
         static unsigned counter = 0;
@@ -281,7 +269,7 @@ struct SafeWriter::Impl {
                 fail(errno);
             }
         }
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     void restore();
 };
@@ -299,7 +287,7 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
         return;
     }
     if (S_ISDIR(st.st_mode)) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     if (!S_ISREG(st.st_mode)) {
         // A device or FIFO takes the bytes as they come, as opening it for output does.
@@ -313,7 +301,7 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
     // A read-only file is refused for everyone, as the original platform's read-only
     // attribute is; so is a file this user may not write.
     if ((st.st_mode & 0222) == 0 || ::access(w.target.c_str(), W_OK) != 0) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     const int f = w.createUnnamed(0600);
     w.fd.reset(f);
@@ -332,7 +320,7 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
     Fd target(::open(w.target.c_str(), O_WRONLY | O_CLOEXEC));
     if (old.get() < 0 || target.get() < 0) {
         w.removeTemp();
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     char block[1 << 16];
     for (;;) {
@@ -436,7 +424,7 @@ void overwriteSmallFile(const std::string& name, std::string_view bytes) {
     }
     struct stat st {};
     if (::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode)) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     int err = writeAll(fd.get(), bytes.data(), bytes.size());
     if (err == 0 && ::ftruncate(fd.get(), static_cast<off_t>(bytes.size())) != 0) {

@@ -18,18 +18,6 @@ namespace vkl::files {
 
 namespace {
 
-RuntimeError accessError() {
-    return {75, "Path/File access error"};
-}
-
-RuntimeError diskFull() {
-    return {61, "Disk full"};
-}
-
-RuntimeError outOfMemory() {
-    return {7, "Out of memory"};
-}
-
 // The run-time error of a failed call that creates, writes or replaces a file.
 RuntimeError writeError(DWORD code) {
     switch (code) {
@@ -39,9 +27,9 @@ RuntimeError writeError(DWORD code) {
             return RuntimeError::pathNotFound();
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
-            return diskFull();
+            return RuntimeError::diskFull();
         default:
-            return accessError();
+            return RuntimeError::pathFileAccess();
     }
 }
 
@@ -136,7 +124,7 @@ void writeAll(HANDLE h, std::string_view bytes) {
             throw writeError(GetLastError());
         }
         if (written == 0) {
-            throw diskFull();
+            throw RuntimeError::diskFull();
         }
         bytes.remove_prefix(written);
     }
@@ -185,7 +173,7 @@ File openForReading(const std::string& name, std::uint64_t maxBytes) {
         case Kind::regular:
             break;
         default:
-            throw accessError();
+            throw RuntimeError::pathFileAccess();
     }
     Handle h(CreateFileW(wide(name).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
                          FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -194,28 +182,29 @@ File openForReading(const std::string& name, std::uint64_t maxBytes) {
         if (code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND) {
             throw RuntimeError::fileNotFound();
         }
-        throw code == ERROR_ACCESS_DENIED ? RuntimeError::permissionDenied() : accessError();
+        throw code == ERROR_ACCESS_DENIED ? RuntimeError::permissionDenied()
+                                          : RuntimeError::pathFileAccess();
     }
     // The name may have changed hands since it was looked at: the open handle decides.
     if (kindOfHandle(h.h) != Kind::regular) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     LARGE_INTEGER size{};
     if (!GetFileSizeEx(h.h, &size)) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     if (static_cast<std::uint64_t>(size.QuadPart) > maxBytes) {
-        throw outOfMemory();
+        throw RuntimeError::outOfMemory();
     }
     const int fd = _open_osfhandle(reinterpret_cast<intptr_t>(h.h), _O_RDONLY | _O_BINARY);
     if (fd == -1) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     h.release();  // the descriptor owns it now
     std::FILE* f = _fdopen(fd, "rb");
     if (f == nullptr) {
         _close(fd);
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     return File(f);
 }
@@ -285,18 +274,20 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
         }
         const Kind kind = kindOf(utf16::toUtf8(d.target));
         if (kind != Kind::regular) {
-            throw kind == Kind::missing ? RuntimeError::pathNotFound() : accessError();
+            throw kind == Kind::missing ? RuntimeError::pathNotFound()
+                                        : RuntimeError::pathFileAccess();
         }
         // As opening a read-only file for output does.
         if (GetFileAttributesW(d.target.c_str()) & FILE_ATTRIBUTE_READONLY) {
-            throw accessError();
+            throw RuntimeError::pathFileAccess();
         }
         d.targetExists = true;
         d.inPlace = linkCount(d.target) > 1;
     } else {
         const DWORD code = GetLastError();
         if (code != ERROR_FILE_NOT_FOUND) {
-            throw code == ERROR_PATH_NOT_FOUND ? RuntimeError::pathNotFound() : accessError();
+            throw code == ERROR_PATH_NOT_FOUND ? RuntimeError::pathNotFound()
+                                               : RuntimeError::pathFileAccess();
         }
     }
 
@@ -317,7 +308,7 @@ SafeWriter::SafeWriter(const std::string& name) : impl_(std::make_unique<Impl>()
         }
     }
     d.temp.clear();
-    throw accessError();
+    throw RuntimeError::pathFileAccess();
 }
 
 SafeWriter::~SafeWriter() {
@@ -329,7 +320,7 @@ SafeWriter::~SafeWriter() {
 
 void SafeWriter::write(std::string_view bytes) {
     if (!impl_->file.valid()) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     if (impl_->inPlace) {
         impl_->content.append(bytes);
@@ -341,7 +332,7 @@ void SafeWriter::write(std::string_view bytes) {
 void SafeWriter::commit() {
     Impl& d = *impl_;
     if (!d.file.valid()) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     if (d.inPlace) {
         const std::string old = readWhole(d.target);
@@ -402,7 +393,7 @@ void overwriteSmallFile(const std::string& name, std::string_view bytes) {
     BY_HANDLE_FILE_INFORMATION info{};
     if (GetFileType(h.h) != FILE_TYPE_DISK || !GetFileInformationByHandle(h.h, &info) ||
         (info.dwFileAttributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY))) {
-        throw accessError();
+        throw RuntimeError::pathFileAccess();
     }
     writeAll(h.h, bytes);
     if (!SetEndOfFile(h.h)) {

@@ -15,12 +15,15 @@ class RuntimeError : public std::runtime_error {
     int number() const { return number_; }
     const std::string& description() const { return description_; }
 
+    static RuntimeError outOfMemory() { return {7, "Out of memory"}; }
     static RuntimeError overflow() { return {6, "Overflow"}; }
     static RuntimeError subscriptOutOfRange() { return {9, "Subscript out of range"}; }
     static RuntimeError typeMismatch() { return {13, "Type mismatch"}; }
     static RuntimeError fileNotFound() { return {53, "File not found"}; }
     static RuntimeError pathNotFound() { return {76, "Path not found"}; }
     static RuntimeError permissionDenied() { return {70, "Permission denied"}; }
+    static RuntimeError diskFull() { return {61, "Disk full"}; }
+    static RuntimeError pathFileAccess() { return {75, "Path/File access error"}; }
     static RuntimeError objectNotSet() {
         return {91, "Object variable or With block variable not set"};
     }
