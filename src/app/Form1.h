@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -59,7 +61,9 @@ public:
     void text1Change(const std::string& text);  // title to tree
     void text1Click();                   // select all
     void commitText();                   // the grid takes over again after an edit
+    void text1Cancel();                  // Escape: the edit is dropped, nothing is written
     void combo1Click(const std::string& text);  // commit drop-down (also on losing focus)
+    void combo1Cancel();                 // Escape: the drop-down hides, nothing is written
     void tableMouseDown(int button);     // repeat code; clear selection
     void tableClick();                   // toggle mark; package path check
     void tableDblClick();                // pick for cell
@@ -86,6 +90,9 @@ public:
     // ---- State (read by the window and the tests) ------------------------------------------
     Host& host;
     TreeViewPort* treePort = nullptr;  // set by whoever shows the tree
+    // Set by whoever shows the form: brings the view up to date before a pop-up menu takes
+    // over the events, so that the pop-up shows over the node it was opened for.
+    std::function<void()> showBeforePopup;
 
     std::string installDir;
     std::string programDir;
@@ -135,6 +142,9 @@ public:
     int16_t editRow = 0;
     int16_t typedCount = 0;
     std::string lastCode;
+    // The label of the edited row's item node when a title edit started; an edit dropped by
+    // Escape gives it back.
+    std::optional<std::string> labelBeforeEdit;
 
     // Tree events.
     std::string currentNodeKey;

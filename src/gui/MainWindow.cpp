@@ -1,6 +1,8 @@
 #include "gui/MainWindow.h"
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFile>
@@ -111,6 +113,7 @@ MainWindow::MainWindow(Form1& form, QWidget* parent) : QMainWindow(parent), form
     connectGrid();
     connectTree();
     form_.treePort = tree_;
+    form_.showBeforePopup = [this] { sync(); };
     sizeColumns();
 }
 
@@ -123,6 +126,7 @@ MainWindow::~MainWindow() {
     if (form_.treePort == tree_) {
         form_.treePort = nullptr;
     }
+    form_.showBeforePopup = nullptr;
 }
 
 // ---- Building --------------------------------------------------------------------------------
@@ -159,6 +163,8 @@ void MainWindow::buildWidgets() {
         auto* c = new QComboBox(central);
         c->setObjectName(QString::fromLatin1(name));
         c->setEditable(true);
+        // The text stays as typed: no completion from the list.
+        c->setCompleter(nullptr);
         c->setInsertPolicy(QComboBox::NoInsert);
         c->setMinimumContentsLength(5);
         c->installEventFilter(this);
@@ -600,6 +606,13 @@ void MainWindow::rebuildToolbar() {
                         [this, handlerKey] { run([&] { form_.toolbarClick(handlerKey); }); });
                 if (QWidget* button = toolbar_->widgetForAction(action)) {
                     button->setObjectName(key);
+                    button->setAccessibleName(tip);
+                }
+                // The platform's own keys for opening and saving reach the same commands.
+                if (b.key == "open") {
+                    action->setShortcut(QKeySequence::Open);
+                } else if (b.key == "save") {
+                    action->setShortcut(QKeySequence::Save);
                 }
                 break;
             }
@@ -744,6 +757,10 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == text1_) {
         switch (event->type()) {
             case QEvent::KeyPress:
+                if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+                    run([this] { form_.text1Cancel(); });
+                    return true;
+                }
                 return filterKey(text1_, static_cast<QKeyEvent*>(event),
                                  [this](int& k) { form_.text1KeyPress(k); });
             case QEvent::MouseButtonRelease:
@@ -765,10 +782,15 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
                 break;
         }
     } else if (watched == combo1_) {
+        // Opening its own list moves the focus into the list: that is no leaving.
         if (event->type() == QEvent::FocusOut && !syncing_ && handlerDepth_ == 0 &&
-            form_.Combo1.visible && formFocusReason(static_cast<QFocusEvent*>(event)->reason())) {
+            form_.Combo1.visible && formFocusReason(static_cast<QFocusEvent*>(event)->reason()) &&
+            !combo1_->view()->window()->isVisible()) {
             const std::string text = toCp1252(combo1_->currentText());
             run([this, &text] { form_.combo1Click(text); });
+        }
+        if (event->type() == QEvent::KeyPress && !syncing_) {
+            return combo1Key(static_cast<QKeyEvent*>(event));
         }
     } else if (watched == combo2_ || watched == combo3_) {
         ComboBox& field = watched == combo2_ ? form_.Combo2 : form_.Combo3;
@@ -783,6 +805,59 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QMainWindow::eventFilter(watched, event);
+}
+
+bool MainWindow::combo1Key(QKeyEvent* event) {
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    switch (event->key()) {
+        case Qt::Key_Escape:
+            run([this] { form_.combo1Cancel(); });
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter: {
+            const std::string text = toCp1252(combo1_->currentText());
+            run([this, &text] { form_.combo1Click(text); });
+            return true;
+        }
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_Home:
+        case Qt::Key_End:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown: {
+            if (!plain) {
+                return false;  // Alt+Down opens the list
+            }
+            // The arrows move through the list without choosing: only Enter or a click
+            // writes a code.
+            const int last = combo1_->count() - 1;
+            const int at = combo1_->currentIndex();
+            int to = at;
+            switch (event->key()) {
+                case Qt::Key_Up:
+                    to = at < 0 ? 0 : at - 1;
+                    break;
+                case Qt::Key_Down:
+                    to = at + 1;
+                    break;
+                case Qt::Key_Home:
+                case Qt::Key_PageUp:
+                    to = 0;
+                    break;
+                default:
+                    to = last;
+                    break;
+            }
+            to = std::clamp(to, 0, std::max(last, 0));
+            if (last >= 0 && to != at) {
+                combo1_->setCurrentIndex(to);
+                form_.Combo1.text = toCp1252(combo1_->itemText(to));
+            }
+            return true;
+        }
+        default:
+            return false;
+    }
 }
 
 // ---- Showing the form's state ----------------------------------------------------------------
@@ -926,7 +1001,16 @@ void MainWindow::syncCombo1() {
         combo1_->setCurrentIndex(index);
     }
     if (combo1_->isHidden() == box.visible) {
+        const QWidget* focus = QApplication::focusWidget();
+        const bool hadFocus =
+            focus == nullptr || focus == combo1_ || combo1_->view()->window()->isAncestorOf(focus);
         combo1_->setVisible(box.visible);
+        // Shown by a key, it takes the keys that follow; hidden, it gives them back to the grid.
+        if (box.visible) {
+            combo1_->setFocus(Qt::OtherFocusReason);
+        } else if (hadFocus) {
+            table_->setFocus(Qt::OtherFocusReason);
+        }
     }
 }
 

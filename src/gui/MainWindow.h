@@ -76,6 +76,8 @@ class MainWindow : public QMainWindow {
     bool filterKey(QWidget* field, QKeyEvent* event, const std::function<void(int&)>& handler);
     // The text box's text changed by typing: the form's copy follows, then its handler runs.
     void text1Edited(const QString& shown);
+    // Keys of the action drop-down while its list is closed; true when taken.
+    bool combo1Key(QKeyEvent* event);
     void refreshExpansion(const QModelIndex& below);
 
     Form1& form_;
