@@ -20,6 +20,8 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSplitter>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -27,6 +29,7 @@
 #include <algorithm>
 #include <new>
 
+#include "app/Texts.h"
 #include "gui/Convert.h"
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
@@ -138,6 +141,7 @@ void MainWindow::buildWidgets() {
     toolbar_->setFloatable(false);
     toolbar_->setToolButtonStyle(Qt::ToolButtonIconOnly);
     addToolBar(Qt::TopToolBarArea, toolbar_);
+    toolbar_->installEventFilter(this);
 
     auto* central = new QWidget(this);
     setCentralWidget(central);
@@ -285,11 +289,21 @@ void MainWindow::buildWidgets() {
 
     decfilename_ = makeLabel("decfilename");
     decfilename_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A long path is cut at the window's edge rather than widening the window.
+    decfilename_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     quit_ = makeButton("Quit");
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(decfilename_, 1);
     bottom->addWidget(quit_);
     outer->addLayout(bottom);
+
+    // Controls without a caption are named by their role.
+    toolbar_->setAccessibleName(tr("Toolbar"));
+    table_->setAccessibleName(tr("Menu table"));
+    tree_->setAccessibleName(tr("Menu tree"));
+    text1_->setAccessibleName(tr("Cell editor"));
+    combo1_->setAccessibleName(tr("Action"));
+    decfilename_->setAccessibleName(tr("File name"));
 
     timer1_ = new QTimer(this);
     timer1_->setObjectName(QStringLiteral("Timer1"));
@@ -593,8 +607,10 @@ void MainWindow::rebuildToolbar() {
                 // Room on the toolbar, empty but for its tooltip.
                 auto* room = new QWidget;
                 room->setObjectName(key);
-                room->setFixedWidth(toPixelsX(this, b.widthTwips));
+                designedRoom_ = toPixelsX(this, b.widthTwips);
+                room->setFixedWidth(designedRoom_);
                 room->setToolTip(tip);
+                room->setAccessibleName(tip);
                 action = toolbar_->addWidget(room);
                 break;
             }
@@ -623,6 +639,10 @@ void MainWindow::rebuildToolbar() {
         action->setStatusTip(fromCp1252(b.description));
     }
     shownToolbar_ = form_.toolbar;
+    // What the toolbar needs besides the placeholder, measured while it has its full room.
+    toolbar_->layout()->invalidate();
+    toolbarOthers_ = toolbar_->sizeHint().width() - designedRoom_;
+    fitToolbar();
 }
 
 void MainWindow::sizeColumns() {
@@ -640,22 +660,95 @@ void MainWindow::sizeColumns() {
         table_->setColumnWidth(c, width);
         total += width;
     }
-    // Just wide enough for the visible columns and a margin.
-    table_->setMinimumWidth(total + toPixelsX(this, Form1::kTableMargin) +
+    // The grid keeps these widths and scrolls sideways when it is narrower than its columns:
+    // a few lines and the first two columns are the least it shows.
+    table_->setMinimumWidth(table_->columnWidth(0) + table_->columnWidth(1) +
                             table_->verticalScrollBar()->sizeHint().width() +
                             2 * table_->frameWidth());
-    table_->setMinimumHeight(toPixelsY(this, Form1::kTableHeight));
+    table_->setMinimumHeight(table_->horizontalHeader()->sizeHint().height() +
+                             4 * table_->verticalHeader()->defaultSectionSize() +
+                             table_->horizontalScrollBar()->sizeHint().height() +
+                             2 * table_->frameWidth());
+    preferredTableWidth_ = total + toPixelsX(this, Form1::kTableMargin) +
+                           table_->verticalScrollBar()->sizeHint().width() +
+                           2 * table_->frameWidth();
+}
+
+void MainWindow::fitCaptions() {
+    // Each caption keeps the room of the longer of its two languages, so that switching the
+    // language moves none of the fields around it.
+    const texts::WindowTexts& en = texts::window(false);
+    const texts::WindowTexts& de = texts::window(true);
+    const std::pair<QWidget*, std::pair<std::string_view, std::string_view>> captions[] = {
+        {label1_, {en.label1, de.label1}},
+        {label2_, {en.label2, de.label2}},
+        {label3_, {en.label3, de.label3}},
+        {label4_, {en.label4, de.label4}},
+        {askDatadir_, {en.askDatadir, de.askDatadir}},
+        {askImagedir_, {en.askImagedir, de.askImagedir}},
+        {expand_, {en.expand, de.expand}},
+        {colapse_, {en.colapse, de.colapse}},
+        {onlymenus_, {en.onlymenus, de.onlymenus}},
+        {quit_, {en.quit, de.quit}},
+    };
+    for (const auto& [widget, texts] : captions) {
+        int width = 0;
+        for (const std::string_view text : {texts.first, texts.second}) {
+            const QString shown = fromCp1252(std::string(text));
+            if (auto* label = qobject_cast<QLabel*>(widget)) {
+                width = std::max(width, label->fontMetrics().horizontalAdvance(shown) +
+                                            2 * label->margin() + 2 * label->frameWidth());
+            } else if (auto* button = qobject_cast<QPushButton*>(widget)) {
+                QStyleOptionButton option;
+                option.initFrom(button);
+                option.text = shown;
+                const QSize text(button->fontMetrics().horizontalAdvance(shown),
+                                 button->fontMetrics().height());
+                width = std::max(
+                    width, button->style()
+                               ->sizeFromContents(QStyle::CT_PushButton, &option, text, button)
+                               .width());
+            }
+        }
+        widget->setMinimumWidth(width);
+    }
+}
+
+void MainWindow::fitToolbar() {
+    // The placeholder gives up its room first when the window is narrower than the toolbar,
+    // so that the buttons after it stay on the toolbar.
+    auto* room = toolbar_->findChild<QWidget*>(QStringLiteral("vklname"));
+    if (!room || designedRoom_ <= 0) {
+        return;
+    }
+    const int slack = toolbar_->layout()->spacing();
+    const int width = std::clamp(toolbar_->width() - toolbarOthers_ - slack, 0, designedRoom_);
+    if (room->minimumWidth() != width) {
+        room->setFixedWidth(width);
+        // Laid out at once: the toolbar keeps its size, so nothing else would lay it out, and
+        // the buttons it moved into its overflow menu come back.
+        toolbar_->layout()->invalidate();
+        toolbar_->layout()->activate();
+    }
 }
 
 // ---- Handlers --------------------------------------------------------------------------------
 
 void MainWindow::load() {
     run([this] { form_.load(); });
-    // A first size with room for the grid's columns, a tree beside them and many lines.
+    fitCaptions();
+    // A first size with room for the grid's columns and a tree beside them, within the
+    // screen's free area less the frame the window manager adds.
     const QRect screen = this->screen()->availableGeometry();
-    const QSize hint = sizeHint();
-    resize(std::min(screen.width(), std::max(hint.width(), table_->minimumWidth() + 360)),
-           std::min(screen.height(), std::max(hint.height(), screen.height() * 3 / 4)));
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
+    const int frame = 2 * style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, this);
+    const QSize room(screen.width() - frame, screen.height() - frame - titleBar);
+    const QSize wanted(preferredTableWidth_ + toPixelsX(this, kPreferredTreeTwips),
+                       std::max(sizeHint().height(), screen.height() * 3 / 4));
+    const QSize size = wanted.boundedTo(room).expandedTo(minimumSizeHint());
+    resize(size);
+    move(screen.left() + std::max(0, (screen.width() - size.width() - frame) / 2),
+         screen.top() + std::max(0, (screen.height() - size.height() - frame - titleBar) / 2));
 }
 
 bool MainWindow::run(const std::function<void()>& handler) {
@@ -667,6 +760,18 @@ bool MainWindow::run(const std::function<void()>& handler) {
         explicit Depth(int& c) : n(c) { ++n; }
         ~Depth() { --n; }
     };
+    // Like the grid the form knows, the view scrolls by TopRow only while a handler runs and
+    // its state is shown: walks that leave the last line current (the colour passes) or a
+    // removal of the current line must not carry it elsewhere.
+    struct NoAutoScroll {
+        QAbstractItemView* view;
+        bool was;
+        explicit NoAutoScroll(QAbstractItemView* v) : view(v), was(v->hasAutoScroll()) {
+            view->setAutoScroll(false);
+        }
+        ~NoAutoScroll() { view->setAutoScroll(was); }
+    };
+    const NoAutoScroll still(table_);
     try {
         Depth depth(handlerDepth_);
         handler();
@@ -754,7 +859,11 @@ bool MainWindow::filterKey(QWidget* field, QKeyEvent* event,
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == text1_) {
+    if (watched == toolbar_) {
+        if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest) {
+            fitToolbar();
+        }
+    } else if (watched == text1_) {
         switch (event->type()) {
             case QEvent::KeyPress:
                 if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
@@ -895,6 +1004,23 @@ void MainWindow::syncCaptions() {
     setCaption(colapse_, c.colapse);
     setCaption(onlymenus_, c.onlymenus);
     setCaption(quit_, c.quit);
+    // A screen reader names each control by its caption, a field by the caption beside it.
+    const std::pair<QWidget*, const std::string*> spoken[] = {
+        {label1_, &c.label1},           {combo2_, &c.label1},
+        {label2_, &c.label2},           {combo3_, &c.label2},
+        {label3_, &c.label3},           {text2_, &c.label3},
+        {label4_, &c.label4},           {text3_, &c.label4},
+        {askDatadir_, &c.askDatadir},   {datadir_, &c.askDatadir},
+        {askImagedir_, &c.askImagedir}, {imagedir_, &c.askImagedir},
+        {expand_, &c.expand},           {colapse_, &c.colapse},
+        {onlymenus_, &c.onlymenus},     {quit_, &c.quit},
+    };
+    for (const auto& [widget, caption] : spoken) {
+        const QString name = fromCp1252(*caption);
+        if (widget->accessibleName() != name) {
+            widget->setAccessibleName(name);
+        }
+    }
     const std::pair<const char*, const std::string*> entries[] = {
         {"addsub", &c.addsub},
         {"addabove1", &c.addabove1},
@@ -1068,12 +1194,23 @@ void MainWindow::syncPreview() {
     if (state.created && !preview_) {
         preview_ = new PreviewWindow(this, margins);
         preview_->onClosed = [this] { form_.preview.shown = false; };
-        // It first opens in the lower corner of the tree, where it hides neither the grid's
-        // lines nor the folder clicked; the user may move it from there.
+        // It first opens beside the window, on the tree's side, where it hides none of the
+        // window's controls; without room there, on the other side, and on a screen too
+        // narrow for either at the screen's edge farthest from the tree. The user may move it
+        // from there.
         const QSize size = QSize(state.pictureWidth, state.pictureHeight) + margins;
-        const QWidget* area = tree_->viewport();
-        preview_->move(area->mapToGlobal(QPoint(area->width(), area->height())) -
-                       QPoint(size.width() + 8, size.height() + 8));
+        const QRect screen = this->screen()->availableGeometry();
+        const QRect window = frameGeometry();
+        const int top = std::clamp(tree_->mapToGlobal(QPoint(0, 0)).y(), screen.top(),
+                                   std::max(screen.top(), screen.bottom() + 1 - size.height()));
+        int left = screen.left();
+        if (window.right() + 1 + size.width() <= screen.right() + 1) {
+            left = window.right() + 1;
+        } else if (window.left() - size.width() >= screen.left()) {
+            left = window.left() - size.width();
+            preview_->growsLeft = true;
+        }
+        preview_->move(left, top);
     }
     if (!preview_) {
         return;

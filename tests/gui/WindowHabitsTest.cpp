@@ -24,6 +24,9 @@ class WindowHabitsTest : public QObject {
     void sizeFieldsKeepWhatIsTyped();
     void popupShowsThePressedNodeSelected();
     void escapeCancelsTheTextEdit();
+    void openAndSaveKeysRunTheToolbarCommands();
+    void everyControlFitsTheSmallestWindow();
+    void commandsKeepWhatTheViewsShow();
 };
 
 void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
@@ -142,6 +145,122 @@ void WindowHabitsTest::escapeCancelsTheTextEdit() {
         QCOMPARE(w.node("Child2").data().toString(), label);
         QCOMPARE(focused(), w.table());
     }
+}
+
+void WindowHabitsTest::openAndSaveKeysRunTheToolbarCommands() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    w.host.openAnswers.push_back(vkl::test::ScriptedHost::pick(window_test::toolsMenu()));
+    QTest::keySequence(&w.window, QKeySequence::Open);
+    QCOMPARE(w.host.openRequests.size(), size_t{1});
+    QCOMPARE(w.cellText(1, 1), QStringLiteral("Through hole"));
+    const std::string saved = w.path("saved.vkl");
+    w.host.saveAnswers.push_back(vkl::test::ScriptedHost::pick(saved));
+    QTest::keySequence(w.table(), QKeySequence::Save);
+    QCOMPARE(w.host.saveRequests.size(), size_t{1});
+    QVERIFY(!window_test::readAll(saved).isEmpty());
+    // The keys typed nothing into the grid.
+    QVERIFY(!w.child<QLineEdit>("Text1")->isVisible());
+}
+
+void WindowHabitsTest::everyControlFitsTheSmallestWindow() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    QVERIFY(w.open(window_test::toolsMenu()));
+    // 1600 x 1000 pixels at 200 % leave 800 x 500 logical pixels for the window.
+    const QSize least = w.window.minimumSizeHint();
+    QVERIFY2(least.width() <= 800 && least.height() <= 500,
+             qPrintable(QStringLiteral("%1 x %2").arg(least.width()).arg(least.height())));
+    QTableView* table = w.table();
+    const QFontMetrics metrics(table->font());
+    const int letters[] = {5, 23, 53, 9, 46};
+    for (const QSize size : {QSize(1024, 640), least}) {
+        w.window.resize(size);
+        QTRY_COMPARE(w.window.size(), size);
+        QCoreApplication::processEvents();
+        const QRect inside = w.window.rect();
+        int named = 0;
+        for (QWidget* control : w.window.findChildren<QWidget*>()) {
+            const QString name = control->objectName();
+            if (name.isEmpty() || name.startsWith(QLatin1String("qt_")) || control->isWindow()) {
+                continue;
+            }
+            QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(name));
+            // The editors show only over a cell being edited.
+            if (name == QLatin1String("Text1") || name == QLatin1String("Combo1")) {
+                continue;
+            }
+            ++named;
+            const QRect at(control->mapTo(&w.window, QPoint(0, 0)), control->size());
+            // The toolbar's placeholder is the one control that may give up all its width.
+            if (name == QLatin1String("vklname") && at.width() == 0) {
+                continue;
+            }
+            QVERIFY2(control->isVisible() && at.width() > 0, qPrintable(name));
+            QVERIFY2(inside.contains(at.adjusted(0, 0, std::max(0, 1 - at.width()), 0)),
+                     qPrintable(QStringLiteral("%1 at %2,%3 %4x%5")
+                                    .arg(name)
+                                    .arg(at.x())
+                                    .arg(at.y())
+                                    .arg(at.width())
+                                    .arg(at.height())));
+        }
+        QCOMPARE(named, 27);
+        // The grid keeps its column widths and scrolls sideways to show them.
+        int columns = 0;
+        for (int c = 0; c < 5; ++c) {
+            QCOMPARE(table->columnWidth(c),
+                     metrics.horizontalAdvance(QString(letters[c], QLatin1Char('n'))));
+            columns += table->columnWidth(c);
+        }
+        QCOMPARE(table->horizontalScrollBar()->maximum(),
+                 std::max(0, columns - table->viewport()->width()));
+    }
+}
+
+void WindowHabitsTest::commandsKeepWhatTheViewsShow() {
+    Window w;
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    const std::string menu = w.path("groups.vkl");
+    window_test::writeGroups(menu);
+    QVERIFY(w.open(menu));
+    QTreeView* tree = w.tree();
+    tree->collapse(w.node("Menu5"));
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, w.nodeCentre("Menu4"));
+    QScrollBar* lines = w.table()->verticalScrollBar();
+    QScrollBar* nodes = tree->verticalScrollBar();
+    lines->setValue(99);
+    nodes->setValue(nodes->maximum() / 3);
+    QCoreApplication::sendPostedEvents();
+    const int nodesAt = nodes->value();
+    QVERIFY(nodesAt > 0);
+    const auto folded = [&] {
+        QString shown;
+        for (int g = 1; g <= 20; ++g) {
+            const QModelIndex at = w.node("Menu" + std::to_string(g));
+            shown += !at.isValid() ? '_' : tree->isExpanded(at) ? '+' : '-';
+        }
+        return shown;
+    };
+    const QString before = folded();
+
+    // Commands on lines and folders further down: what the views show stays.
+    for (const char* entry : {"remove1", "removechilden", "remove2"}) {
+        QVERIFY(w.window.run([&] {
+            w.form.currentNodeKey = std::string(entry) == "remove1" ? "Child200" : "Menu19";
+            w.form.menuClick(entry);
+        }));
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(lines->value(), 99);
+        QCOMPARE(nodes->value(), nodesAt);
+        QCOMPARE(tree->currentIndex(), w.node("Menu4"));
+    }
+    // Group 19 sat inside group 18.
+    QString after = before;
+    after[18] = '_';
+    after[19] = '_';
+    QCOMPARE(folded(), after);
+    QCOMPARE(w.host.endCount, 0);
 }
 
 QTEST_MAIN(WindowHabitsTest)
