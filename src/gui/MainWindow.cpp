@@ -19,6 +19,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QStyle>
 #include <QStyleOptionButton>
@@ -216,6 +217,12 @@ void MainWindow::buildWidgets() {
     table_ = new GridView(body);
     table_->setObjectName(QStringLiteral("Table"));
     table_->setModel(gridModel_);
+    // The header row's texts change with the language only, never the lines or their height:
+    // the header repaints itself, where the view's own handling (a private slot, which is why
+    // it is named by text) would lay out the whole grid again and repaint every line. Should a
+    // later Qt name it otherwise, this does nothing and the grid is merely repainted.
+    disconnect(gridModel_, SIGNAL(headerDataChanged(Qt::Orientation, int, int)), table_,
+               SLOT(_q_headerDataChanged()));
     table_->setItemDelegate(new GridCellDelegate(table_));
     table_->setShowGrid(false);  // the cells draw the lines
     table_->verticalHeader()->hide();
@@ -259,6 +266,22 @@ void MainWindow::buildWidgets() {
     treeColumn->setContentsMargins(0, 0, 0, 0);
     tree_ = new NodeView(treePane);
     tree_->setObjectName(QStringLiteral("Treeview"));
+    // Connected before the view's own handlers: a command that removes the current node would
+    // make the view choose another one and lay out every line at once to draw it. The view
+    // drops it quietly instead; the form's selection is shown again once the command is done.
+    connect(treeModel_, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex& parent, int first, int last) {
+                if (handlerDepth_ == 0) {
+                    return;
+                }
+                for (QModelIndex at = tree_->currentIndex(); at.isValid(); at = at.parent()) {
+                    if (at.row() >= first && at.row() <= last && at.parent() == parent) {
+                        const QSignalBlocker quiet(tree_->selectionModel());
+                        tree_->selectionModel()->clear();
+                        break;
+                    }
+                }
+            });
     tree_->setModel(treeModel_);
     tree_->setItemDelegate(new NodeDelegate(tree_));
     tree_->setHeaderHidden(true);

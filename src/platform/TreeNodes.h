@@ -130,6 +130,11 @@ class TreeNodes {
     // make them, when every key beginning with stem is of that form and stem + gap names no
     // node. Returns false, having changed nothing, when one of these does not hold.
     bool closeNumberGap(std::string_view stem, long gap);
+    // rekeyNumbered for nodes keyed stem + number in the stem's array, given as (old number,
+    // new number): the keys move cell to cell without being read. Returns false, having changed
+    // nothing, when an old number names no node or a new number is taken by a node that keeps
+    // its key or is given twice; rekeyNumbered then reports what is wrong.
+    bool moveNumbered(std::string_view stem, const std::vector<std::pair<long, long>>& moves);
 
     // Relationships. parent() is null for top-level nodes; the others are null when absent.
     NodeRef parent(NodeRef n) const;

@@ -19,8 +19,23 @@ namespace {
 // rekey so that a chain of renumberings never meets itself. Rows below from do not move.
 template <typename Shift>
 void renumberItemKeys(TreeNodes& nodes, long from, Shift shift) {
+    const std::vector<std::pair<NodeRef, long>> keyed = nodes.numberedFrom(keys::kItemStem, from);
+    // Keys of the editor's own form move cell to cell; any other form is read and rekeyed.
+    std::vector<std::pair<long, long>> moves;
+    bool ownForm = true;
+    for (const auto& [n, number] : keyed) {
+        ownForm = ownForm && number >= 0;
+        if (ownForm) {
+            if (const long by = shift(number); by > 0) {
+                moves.emplace_back(number, number - by);
+            }
+        }
+    }
+    if (ownForm && nodes.moveNumbered(keys::kItemStem, moves)) {
+        return;
+    }
     std::vector<std::pair<NodeRef, long>> changes;
-    for (const auto& [n, number] : nodes.numberedFrom(keys::kItemStem, from)) {
+    for (const auto& [n, number] : keyed) {
         const long k = number >= 0 ? number : keys::rowOf(nodes.key(n));
         const long by = shift(k);
         if (by > 0) {
