@@ -147,7 +147,9 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
     for (size_t k = 1; k < removedBefore.size(); ++k) {
         removedBefore[k] = removedBefore[k - 1] + (remove[k - 1] ? 1 : 0);
     }
-    renumberItemKeys(nodes, 1, [&](long k) -> long {
+    // Keys up to the first removed row keep their numbers.
+    const long firstRemoved = std::find(remove.begin() + 1, remove.end(), true) - remove.begin();
+    renumberItemKeys(nodes, firstRemoved + 1, [&](long k) -> long {
         return k <= 0 ? 0 : removedBefore[static_cast<size_t>(std::min<long>(k, rows))];
     });
 
