@@ -5,8 +5,10 @@ PACKAGES=(
     cmake ninja-build g++ pkg-config python3
     qt6-base-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    clang libclang-rt-14-dev
-    xvfb xauth imagemagick fonts-dejavu-core
+    clang clang-format libclang-rt-14-dev
+    xvfb xauth imagemagick fonts-dejavu-core xdotool
+    dpkg-dev desktop-file-utils appstream shared-mime-info groff-base
+    g++-mingw-w64-x86-64-posix googletest wine wine64
 )
 missing=()
 for p in "${PACKAGES[@]}"; do

@@ -6,6 +6,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
 bash scripts/build.sh build/release -DCMAKE_BUILD_TYPE=Release -DVKL_TESTS=OFF -DVKL_BENCH=OFF
+# The Open dialog starts in the folder the last-folder file names (ZOVDEF2.txt, one line): when
+# there is none yet, it names examples/, so a newcomer's first Open lands on the examples.
+state=${XDG_CACHE_HOME:-$HOME/.cache}/vkleditor
+if [[ ! -e $state/ZOVDEF2.txt ]]; then
+    mkdir -p -m 700 "$state"
+    printf '"%s/"\r\n' "$PWD/examples" >"$state/ZOVDEF2.txt"
+fi
 lang=${VKL_LANG:-1}
 args=("vkleditor|$PWD|$lang")
 if [[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]]; then

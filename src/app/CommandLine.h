@@ -38,4 +38,14 @@ std::optional<CommandLine> parseCommandLine(std::string_view raw);
 // (the program name excluded): the arguments joined with single blanks.
 std::string joinArguments(const std::vector<std::string>& args);
 
+// What follows the program name in a raw Windows command line, by the rules the system
+// splits it with: a name that starts with a double quote runs to the next one, any other to
+// the first blank or tab; the blanks and tabs after it go too. The rest is kept as it stands,
+// quotes and runs of blanks included.
+std::string afterProgramName(std::string_view raw);
+
+// The command line of this process as the host passed it, the program name excluded: on
+// Windows the raw text the system keeps, elsewhere the arguments joined (joinArguments).
+std::string hostCommandLine(int argc, char** argv);
+
 }  // namespace vkl::startup

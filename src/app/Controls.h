@@ -42,7 +42,7 @@ struct ToolbarButton {
 struct PreviewState {
     bool created = false;
     bool shown = false;
-    std::string picture;  // full path of the bitmap shown
+    std::string picture;   // full path of the bitmap shown
     int pictureWidth = 0;  // pixels
     int pictureHeight = 0;
     // The window is the picture plus these frame allowances (twips): 850 in width for the

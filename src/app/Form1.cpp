@@ -173,6 +173,7 @@ void Form1::setLanguage(int16_t code) {
 }
 
 void Form1::toolbarClick(const std::string& key) {
+    commitEditors();
     if (key == "open") {
         openFlow();
     } else if (key == "save") {

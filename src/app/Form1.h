@@ -24,7 +24,7 @@ class ReadDiagnostics;
 // one handler here; the Qt window only forwards events and shows this state. Run-time errors
 // leave the handlers as RuntimeError.
 class Form1 {
-public:
+  public:
     // programDir is the program's own folder, "" when the caller does not know it.
     Form1(Host& host, std::string installDir, int16_t languageCode, std::string programDir = {});
 
@@ -56,17 +56,20 @@ public:
     // Removes the table row of an item node and renumbers (tree removal commands).
     void removeLineOfNode(const std::string& nodeKey);
 
-    void tableKeyPress(int& keyAscii);   // start edit
-    void text1KeyPress(int& keyAscii);   // editor key filter
+    void tableKeyPress(int& keyAscii);          // start edit
+    void text1KeyPress(int& keyAscii);          // editor key filter
     void text1Change(const std::string& text);  // title to tree
-    void text1Click();                   // select all
-    void commitText();                   // the grid takes over again after an edit
-    void text1Cancel();                  // Escape: the edit is dropped, nothing is written
+    void text1Click();                          // select all
+    void commitText();                          // the grid takes over again after an edit
+    void text1Cancel();                         // Escape: the edit is dropped, nothing is written
+    // A toolbar button or pop-up menu takes the focus: an open editor is taken over first,
+    // as when it loses the focus.
+    void commitEditors();
     void combo1Click(const std::string& text);  // commit drop-down (also on losing focus)
-    void combo1Cancel();                 // Escape: the drop-down hides, nothing is written
-    void tableMouseDown(int button);     // repeat code; clear selection
-    void tableClick();                   // toggle mark; package path check
-    void tableDblClick();                // pick for cell
+    void combo1Cancel();                        // Escape: the drop-down hides, nothing is written
+    void tableMouseDown(int button);            // repeat code; clear selection
+    void tableClick();                          // toggle mark; package path check
+    void tableDblClick();                       // pick for cell
     void tableDragDrop(const std::string& sourceName, int targetRow);
 
     // ---- Tree ----------------------------------------------------------------------------
@@ -107,8 +110,8 @@ public:
 
     Grid Table;
     TreeNodes Treeview;
-    NodeRef treeSelected;        // the tree's selected node
-    NodeRef treeDropHighlight;   // the tree's drop-highlighted node
+    NodeRef treeSelected;       // the tree's selected node
+    NodeRef treeDropHighlight;  // the tree's drop-highlighted node
     bool treeImageListAttached = false;
 
     TextBox Text1, Text2, Text3, Datadir, Imagedir;
@@ -119,9 +122,9 @@ public:
     int toolbarButtonSize = 0;  // twips
     Timer Timer1;
     PreviewState preview;
-    bool menuGroupsVisible = true;   // the three menu-bar groups holding the pop-ups
+    bool menuGroupsVisible = true;           // the three menu-bar groups holding the pop-ups
     bool useLanguagePicturesVisible = true;  // UseEng, UseGerman
-    bool picturesVisible = true;     // Picture1, Picture2, Picture4
+    bool picturesVisible = true;             // Picture1, Picture2, Picture4
     std::string dialogDefaultExt;
     std::string dialogFilter;
 

@@ -1,12 +1,10 @@
-#include <cstdio>
-#include <filesystem>
-#include <memory>
-
 #include "app/Form1.h"
 #include "menufile/Format.h"
 #include "menufile/Reader.h"
 #include "menufile/Writer.h"
+#include "platform/Files.h"
 #include "platform/Int16.h"
+#include "platform/RuntimeError.h"
 #include "tree/Derivation.h"
 
 namespace vkl {
@@ -26,12 +24,11 @@ menufile::HeaderFields headerOf(const Form1& f) {
 // a double quote starts a text that runs to the next double quote; otherwise the item ends at
 // a comma or at the end of the line, trailing blanks dropped.
 std::string firstDelimitedItem(const std::string& path) {
-    struct Closer {
-        void operator()(std::FILE* f) const { std::fclose(f); }
-    };
-    std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-        return {};
+    files::File file;
+    try {
+        file = files::openForReading(path);
+    } catch (const RuntimeError&) {
+        return {};  // no file there (yet), or nothing that is one: no folder to start in
     }
     menufile::LineReader in(file.get());
     if (in.atEnd()) {
@@ -79,7 +76,7 @@ void chooseFolder(Host& host, TextBox& box) {
 void Form1::openFlow() {
     const std::optional<std::string> remembered = lastFolderFile(host);
     FileDialog dialog;
-    if (remembered && std::filesystem::exists(*remembered)) {
+    if (remembered && files::kindOf(*remembered) != files::Kind::missing) {
         dialog.initialDir = firstDelimitedItem(*remembered);
     }
     dialog.filter = format::kMenuFileFilter;

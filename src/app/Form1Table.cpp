@@ -108,6 +108,16 @@ void Form1::combo1Cancel() {
     Combo1.visible = false;
 }
 
+void Form1::commitEditors() {
+    if (Combo1.visible) {
+        combo1Click(Combo1.text);
+    }
+    if (Text1.visible) {
+        Text1.hasFocus = false;
+        commitText();
+    }
+}
+
 void Form1::combo1Click(const std::string& text) {
     Combo1.text = text;
     table::commitCode(Table, editRow, editCol, codeForLabel(text), lastCode);

@@ -102,6 +102,7 @@ void Form1::formDragOver(const std::string&) {
 }
 
 void Form1::menuClick(const std::string& entry) {
+    commitEditors();
     // The pop-ups open only on a node, which makes it current; without one there is nothing
     // to act on.
     if (currentNodeKey.empty()) {

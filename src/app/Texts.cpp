@@ -1,5 +1,7 @@
 #include "app/Texts.h"
 
+#include "platform/NodeKeys.h"
+
 namespace vkl::texts {
 
 namespace {
@@ -57,7 +59,7 @@ const WindowTexts& window(bool german) {
 }
 
 std::string_view placeholder(bool german) {
-    return german ? "[Neue Zeile]" : "[New Item]";
+    return german ? keys::kNewItemDe : keys::kNewItemEn;
 }
 
 std::string_view quitTitle(bool english) {

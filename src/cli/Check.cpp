@@ -5,6 +5,8 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "menufile/ActionCode.h"
+#include "menufile/Writer.h"
 #include "platform/NodeKeys.h"
 #include "platform/Text.h"
 
@@ -75,11 +77,14 @@ std::string fatalReason(const Form1& form, const FatalLine& fatal) {
         if (static_cast<long>(blanks) + 1 > kMax16) {
             return std::string(kTooDeep);
         }
-        if (form.Table.rows() - 1 >= kMax16) {
-            return std::string(kRowLimit);
-        }
-        if (form.tree.nodeSerial >= kMax16) {
+        // A submenu line counts folders, an item line rows: the line says which counter ran out.
+        const std::vector<std::string> fields = text::split(trimmed(fatal.text), '|');
+        const bool submenu = fields.size() == 4 && isSubmenuCode(fields[2]);
+        if (submenu && form.tree.nodeSerial >= kMax16) {
             return std::string(kSubmenuLimit);
+        }
+        if (!submenu && form.Table.rows() - 1 >= kMax16) {
+            return std::string(kRowLimit);
         }
     }
     return "run-time error " + std::to_string(fatal.error) + " (" + fatal.description + ")";
@@ -120,9 +125,7 @@ std::vector<Finding> findings(const Form1& form, const ReadLog& log) {
             continue;
         }
         const int r = static_cast<int>(row);
-        if (trimmed(form.Table.textView(r, 1)).empty() ||
-            trimmed(form.Table.textView(r, 3)).empty() ||
-            trimmed(form.Table.textView(r, 4)).empty()) {
+        if (!menufile::rowComplete(form.Table, r)) {
             found.push_back({origin->line, rowLeftOutReason(r), origin->text});
         }
     }
@@ -132,8 +135,58 @@ std::vector<Finding> findings(const Form1& form, const ReadLog& log) {
     // The line that ended the reading is the last one read.
     if (log.fatal) {
         found.push_back({log.fatal->line, fatalReason(form, *log.fatal), log.fatal->text});
+    } else if (const int saves =
+                   savesUntilUnreadable(form.shortcuts, form.Datadir.text, form.Imagedir.text);
+               saves > 0) {
+        found.push_back({0, unreadableAfterSaves(saves), std::nullopt});
     }
     return found;
+}
+
+int savesUntilUnreadable(const Shortcuts& shortcuts, const std::string& datadir,
+                         const std::string& imagedir) {
+    // Each round saves what was read and opens the result in an editor started afresh, with
+    // the writer's and the reader's own code; the lines repeat once nothing grows any more.
+    Shortcuts pairs = shortcuts;
+    menufile::HeaderFields fields;
+    fields.datadir = datadir;
+    fields.imagedir = imagedir;
+    std::vector<std::string> previous;
+    for (int saves = 1; saves <= 8; ++saves) {
+        std::vector<std::string> lines = menufile::shortcutLines(pairs, fields);
+        if (lines == previous) {
+            return 0;
+        }
+        std::string bytes;
+        for (int i = 0; i < 12; ++i) {
+            bytes += "-\n";  // a header line
+        }
+        for (const std::string& line : lines) {
+            bytes += line + "\n";
+        }
+        Grid grid;
+        TreeNodes nodes;
+        TreeState tree;
+        menufile::HeaderFields read;
+        pairs = {};
+        try {
+            menufile::readMenuBytes(bytes, {grid, nodes, tree, pairs, read}, 1, kNormalColor);
+        } catch (const RuntimeError& e) {
+            if (e.number() == 9) {
+                return saves;
+            }
+            throw;
+        }
+        fields.datadir = read.datadir;
+        fields.imagedir = read.imagedir;
+        previous = std::move(lines);
+    }
+    return 0;
+}
+
+std::string unreadableAfterSaves(int saves) {
+    return "saving this file " + std::to_string(saves) + (saves == 1 ? " time" : " times") +
+           " makes it unreadable (third SHORTCUT line, run-time error 9)";
 }
 
 // ---- The default report --------------------------------------------------------------------

@@ -74,6 +74,14 @@ struct Finding {
 // rows with missing entries).
 std::vector<Finding> findings(const Form1& form, const ReadLog& log);
 
+// How many times a file read with these SHORTCUT pairs and directory fields can be saved and
+// opened again before a save writes a third SHORTCUT line, which the next open ends on; 0
+// when never. The writer adds the directory fields as lines of their own to the pairs it
+// writes back, so a data-directory pair makes the file unreadable after two saves.
+int savesUntilUnreadable(const Shortcuts& shortcuts, const std::string& datadir,
+                         const std::string& imagedir);
+std::string unreadableAfterSaves(int saves);
+
 // The default report: "FILE:LINE: reason: text" per finding, then the summary line.
 std::string textReport(const std::string& file, const Form1& form, const ReadLog& log,
                        const std::vector<Finding>& found);

@@ -1,12 +1,10 @@
 #include "cli/ConsoleHost.h"
 
 #include <ctime>
-#include <filesystem>
 
+#include "platform/Process.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
-
-extern char** environ;
 
 namespace vkl::cli {
 
@@ -45,7 +43,13 @@ ChosenFile ConsoleHost::saveDialog(const FileDialog&) {
     if (saveTarget.empty()) {
         return {};
     }
-    return {saveTarget, std::filesystem::path(saveTarget).filename().string()};
+    // The file title: the name after the last separator (a backslash is one only on Windows).
+#ifdef _WIN32
+    const size_t cut = saveTarget.find_last_of("/\\");
+#else
+    const size_t cut = saveTarget.find_last_of('/');
+#endif
+    return {saveTarget, cut == std::string::npos ? saveTarget : saveTarget.substr(cut + 1)};
 }
 
 std::string ConsoleHost::browseForFolder(const std::string&) {
@@ -53,21 +57,21 @@ std::string ConsoleHost::browseForFolder(const std::string&) {
 }
 
 std::string ConsoleHost::environ(int index) {
-    if (index < 1 || ::environ == nullptr) {
+    static const std::vector<std::string> entries = process::environment();
+    if (index < 1 || static_cast<size_t>(index) > entries.size()) {
         return {};
     }
-    for (int i = 1; ::environ[i - 1] != nullptr; ++i) {
-        if (i == index) {
-            return ::environ[i - 1];
-        }
-    }
-    return {};
+    return entries[static_cast<size_t>(index) - 1];
 }
 
 ClockReading ConsoleHost::now() {
     const std::time_t t = std::time(nullptr);
     std::tm local{};
+#ifdef _WIN32
+    localtime_s(&local, &t);
+#else
     localtime_r(&t, &local);
+#endif
     return {local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min};
 }
 

@@ -5,6 +5,7 @@ namespace vkl::cli {
 const char* const kUsage =
     "usage: vklcheck [--lang 1|2] [--json] [--resave OUT] FILE\n"
     "       vklcheck --help\n"
+    "       vklcheck --version\n"
     "\n"
     "Reads the menu file FILE as the VKL Editor's open command does and tells what the editor\n"
     "makes of it: the lines it leaves out and why, then a summary.\n"
@@ -14,6 +15,7 @@ const char* const kUsage =
     "                messages go to standard error\n"
     "  --lang 1|2    language of the editor's texts: 1 English (default), 2 German\n"
     "  --help        print this text\n"
+    "  --version     print the program's version\n"
     "\n"
     "Exit status: 0 nothing would be lost, 1 lines are skipped or left out on save,\n"
     "2 run-time error or unreadable file, 64 usage error.\n";
@@ -35,6 +37,8 @@ ParsedOptions parseOptions(const std::vector<std::string>& args) {
             optionsEnded = true;
         } else if (a == "--help" || a == "-h") {
             o.help = true;
+        } else if (a == "--version") {
+            o.version = true;
         } else if (a == "--json") {
             o.json = true;
         } else if (a == "--lang" || a == "--resave") {
@@ -68,7 +72,7 @@ ParsedOptions parseOptions(const std::vector<std::string>& args) {
             return parsed;
         }
     }
-    if (o.help) {
+    if (o.help || o.version) {
         return parsed;
     }
     if (files.empty()) {

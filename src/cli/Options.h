@@ -10,6 +10,7 @@ struct Options {
     int16_t languageCode = 1;  // 1 English, 2 German
     bool json = false;
     bool help = false;
+    bool version = false;
     std::string resave;  // empty: no save
     std::string file;
 };
@@ -20,8 +21,8 @@ struct ParsedOptions {
     std::string error;
 };
 
-// vklcheck [--lang 1|2] [--json] [--resave OUT] FILE, or --help. "--" ends the options, so a
-// file whose name starts with "-" can still be checked.
+// vklcheck [--lang 1|2] [--json] [--resave OUT] FILE, or --help, or --version. "--" ends the
+// options, so a file whose name starts with "-" can still be checked.
 ParsedOptions parseOptions(const std::vector<std::string>& args);
 
 inline constexpr int kExitClean = 0;

@@ -2,15 +2,16 @@
 
 #include <cstdio>
 #include <exception>
-#include <filesystem>
+#include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "app/Form1.h"
 #include "cli/Check.h"
 #include "cli/ConsoleHost.h"
 #include "cli/Options.h"
+#include "platform/Files.h"
+#include "platform/Process.h"
 #include "platform/RuntimeError.h"
 
 namespace vkl::cli {
@@ -20,19 +21,45 @@ std::string errorLine(const RuntimeError& e) {
     return "Run-time error '" + std::to_string(e.number()) + "': " + e.description();
 }
 
-// Refuses what the reader would take for a missing file and read as nothing.
+// Refuses what the reader would take for a missing file and read as nothing, and what it
+// refuses to read.
 bool readable(const std::string& file) {
-    std::error_code ec;
-    const auto status = std::filesystem::status(file, ec);
-    if (ec || !std::filesystem::exists(status)) {
-        std::fprintf(stderr, "vklcheck: %s: no such file\n", file.c_str());
-        return false;
+    const char* problem = nullptr;
+    switch (files::kindOf(file)) {
+        case files::Kind::regular:
+            return true;
+        case files::Kind::missing:
+            problem = "no such file";
+            break;
+        case files::Kind::folder:
+            problem = "is a folder, not a menu file";
+            break;
+        case files::Kind::linkLoop:
+            problem = "is a loop of symbolic links, not a menu file";
+            break;
+        case files::Kind::denied:
+            problem = "cannot be reached (permission denied)";
+            break;
+        case files::Kind::other:
+            problem = "is not a regular file (a FIFO, device or socket)";
+            break;
     }
-    if (std::filesystem::is_directory(status)) {
-        std::fprintf(stderr, "vklcheck: %s: is a folder, not a menu file\n", file.c_str());
-        return false;
+    std::fprintf(stderr, "vklcheck: %s: %s\n", file.c_str(), problem);
+    return false;
+}
+
+// Opens a saved file as the editor's open command would; the error it ends on, if any.
+std::optional<RuntimeError> reopenError(const std::string& file) {
+    ConsoleHost host(stderr);  // reading shows no message
+    Form1 form(host, {}, 1);
+    form.load();
+    form.appendStartRow = 1;
+    try {
+        form.readMenuFile(file);
+    } catch (const RuntimeError& e) {
+        return e;
     }
-    return true;
+    return std::nullopt;
 }
 
 int run(const Options& o) {
@@ -62,6 +89,14 @@ int run(const Options& o) {
     const std::string report =
         o.json ? jsonReport(form, log) : textReport(o.file, form, log, found);
     std::fwrite(report.data(), 1, report.size(), stdout);
+    if (o.json) {
+        // Findings the JSON has no key for go beside it.
+        for (const Finding& f : found) {
+            if (f.line == 0 && !f.text) {
+                std::fprintf(stderr, "vklcheck: %s: %s\n", o.file.c_str(), f.reason.c_str());
+            }
+        }
+    }
     std::fflush(stdout);
 
     if (log.fatal) {
@@ -81,6 +116,14 @@ int run(const Options& o) {
         // The check before saving refused (no dialog), or the writer reported empty submenus
         // or rows it left out.
         lost = lost || host.saveDialogs == 0 || !form.saved || host.messageCount != messagesBefore;
+        if (form.saved) {
+            if (const std::optional<RuntimeError> e = reopenError(o.resave)) {
+                std::fprintf(o.json ? stderr : stdout,
+                             "%s: the saved file cannot be opened again: run-time error %d (%s)\n",
+                             o.resave.c_str(), e->number(), e->description().c_str());
+                lost = true;
+            }
+        }
     }
     return lost ? kExitLoss : kExitClean;
 }
@@ -90,13 +133,18 @@ int run(const Options& o) {
 
 int main(int argc, char** argv) {
     using namespace vkl::cli;
-    const ParsedOptions parsed = parseOptions(std::vector<std::string>(argv + 1, argv + argc));
+    vkl::process::binaryStdio();
+    const ParsedOptions parsed = parseOptions(vkl::process::arguments(argc, argv));
     if (!parsed.error.empty()) {
         std::fprintf(stderr, "vklcheck: %s\n%s", parsed.error.c_str(), kUsage);
         return kExitUsage;
     }
     if (parsed.options.help) {
         std::fputs(kUsage, stdout);
+        return kExitClean;
+    }
+    if (parsed.options.version) {
+        std::fputs("vklcheck " VKL_VERSION "\n", stdout);
         return kExitClean;
     }
     try {

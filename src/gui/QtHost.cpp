@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QCursor>
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -17,6 +16,7 @@
 
 #include "app/CommandLine.h"
 #include "gui/Convert.h"
+#include "platform/Files.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
 
@@ -140,11 +140,12 @@ std::string QtHost::browseForFolder(const std::string& title) {
 }
 
 std::optional<std::string> QtHost::tempPath() {
-    const QString dir = QDir::tempPath();
-    if (dir.isEmpty()) {
+    // The user's own folder, never the shared temporary folder another user could write to.
+    std::string dir = files::userStateFolder();
+    if (dir.empty()) {
         return std::nullopt;
     }
-    return toFileName(dir + QLatin1Char('/'));
+    return dir;
 }
 
 std::string QtHost::environ(int index) {

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QFile>
 
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,10 +11,20 @@
 #include "app/Form1.h"
 #include "gui/MainWindow.h"
 #include "gui/QtHost.h"
-#include "gui/SingleInstance.h"
+#include "platform/Files.h"
 #include "platform/RuntimeError.h"
 
 namespace {
+
+const char* const kHelp =
+    "usage: vkleditor \"<unused>|<install directory>|<language>\"\n"
+    "       vkleditor --help\n"
+    "       vkleditor --version\n"
+    "\n"
+    "Edits the menu files (.vkl) of the Brindlemark add-on. Brindlemark starts the editor with\n"
+    "one argument of three \"|\"-separated fields: a field it does not use, its install\n"
+    "directory (it replaces [installdir] in bitmap paths) and the language of the window,\n"
+    "1 English or 2 German. Only one copy runs per user.\n";
 
 void tell(vkl::Host& host, std::string prompt) {
     vkl::MessageBox box;
@@ -25,16 +36,20 @@ void tell(vkl::Host& host, std::string prompt) {
 
 int main(int argc, char* argv[]) {
     // The command line as the host passed it, taken before Qt removes the options it knows.
-    const std::string commandLine =
-        vkl::startup::joinArguments(std::vector<std::string>(argv + 1, argv + argc));
+    const std::string commandLine = vkl::startup::hostCommandLine(argc, argv);
+    // A person asking, not the host (whose line holds "|"): answered with no window and no
+    // single-instance lock, so it works beside a running copy and without a display.
+    if (commandLine == "--version" || commandLine == "--help") {
+        std::fputs(commandLine == "--help" ? kHelp : "vkleditor " VKL_VERSION "\n", stdout);
+        return 0;
+    }
 
-    // The application keeps the executable's name: the lock file records it, and a later copy
-    // takes the lock as stale when the process it names runs under another name.
     QApplication app(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
 
     vkl::gui::QtHost host;
-    vkl::gui::SingleInstance instance;
+    // One copy per user: the lock lives in the user's own runtime folder.
+    vkl::files::InstanceLock instance(vkl::files::userRuntimeFolder() + "vkleditor.lock");
     if (!instance.acquire()) {
         tell(host, vkl::startup::alreadyRunningMessage());
         return 1;

@@ -13,8 +13,8 @@ std::optional<std::string> codeForLabel(std::string_view label) {
     return std::nullopt;
 }
 
-bool isSubmenuCode(std::string_view code) { return text::lower(text::trim(code)) == "s"; }
-
-bool isPackageCode(std::string_view code) { return text::upper(code) == "LOS"; }
+bool isSubmenuCode(std::string_view code) {
+    return text::lower(text::trim(code)) == "s";
+}
 
 }  // namespace vkl

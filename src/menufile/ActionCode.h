@@ -9,19 +9,18 @@ namespace vkl {
 
 // The text code of a menu line's action. Codes are compared without regard to case.
 struct ActionCodeInfo {
-    std::string_view code;     // as written in the file
-    std::string_view meaning;  // the comment text of the file
-    std::string_view label;    // the entry of the action drop-down
+    std::string_view code;   // as written in the file
+    std::string_view label;  // the entry of the action drop-down
 };
 
 inline constexpr std::array<ActionCodeInfo, 7> kActionCodes{{
-    {"S", "calls a submenu", "Submenu"},
-    {"D", "calls a dialog", "Dialog"},
-    {"F", "calls a function", "Function"},
-    {"P", "calls an external program", "External program"},
-    {"LOS", "loads a pkg file from operating system", "PKG"},
-    {"LWM", "loads a pkg file from WM", "WM"},
-    {"LMM", "loads a pkg file from MM", "MM"},
+    {"S", "Submenu"},
+    {"D", "Dialog"},
+    {"F", "Function"},
+    {"P", "External program"},
+    {"LOS", "PKG"},
+    {"LWM", "WM"},
+    {"LMM", "MM"},
 }};
 
 // The code written for a drop-down label (exact, case-sensitive match), none when no entry
@@ -30,7 +29,5 @@ std::optional<std::string> codeForLabel(std::string_view label);
 
 // True for "S" in any case: the line opens a submenu.
 bool isSubmenuCode(std::string_view code);
-// True for "LOS" in any case: the parameter is a package path.
-bool isPackageCode(std::string_view code);
 
 }  // namespace vkl

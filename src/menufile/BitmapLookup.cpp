@@ -4,6 +4,8 @@
 #include <system_error>
 #include <vector>
 
+#include "platform/Environment.h"
+#include "platform/Files.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
 
@@ -13,14 +15,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Names go to the system through files::, which converts them for Windows.
 bool isFile(const std::string& path) {
-    std::error_code ec;
-    return fs::is_regular_file(fs::path(path), ec);
+    return files::kindOf(path) == files::Kind::regular;
 }
 
 bool exists(const std::string& path) {
-    std::error_code ec;
-    return fs::exists(fs::path(path), ec);
+    return files::kindOf(path) != files::Kind::missing;
 }
 
 std::string joinPath(const std::string& folder, const std::string& name) {
@@ -38,10 +39,11 @@ std::string joinPath(const std::string& folder, const std::string& name) {
 // Names on disk may be UTF-8 or single-byte; both readings are compared.
 std::string matchIgnoringCase(const std::string& folder, const std::string& wanted) {
     std::error_code ec;
-    fs::directory_iterator it(fs::path(folder.empty() ? "." : folder), ec);
+    fs::directory_iterator it(files::nativePath(folder.empty() ? "." : folder), ec);
     std::string best;
     for (; !ec && it != fs::directory_iterator(); it.increment(ec)) {
-        const std::string name = it->path().filename().string();
+        const std::u8string utf8 = it->path().filename().u8string();
+        const std::string name(utf8.begin(), utf8.end());
         if (text::lower(name) == wanted || text::lower(text::utf8ToCp1252(name)) == wanted) {
             if (best.empty() || name < best) {
                 best = name;
@@ -59,19 +61,7 @@ std::string computeBitmapPath(Host& host, const BitmapSources& sources,
     if (sources.imageDir.empty()) {
         path = written;
     } else {
-        std::vector<std::pair<std::string, std::string>> environment;
-        for (int i = 1;; ++i) {
-            const std::string entry = host.environ(i);
-            if (entry.empty()) {
-                break;
-            }
-            const size_t eq = entry.find('=');
-            if (eq == std::string::npos) {
-                continue;
-            }
-            environment.emplace_back(text::lower(entry.substr(0, eq)),
-                                     text::lower(entry.substr(eq + 1)));
-        }
+        const auto environment = lowerEnvironment(host);
         std::vector<std::string> parts = text::split(sources.imageDir, '/');
         for (std::string& part : parts) {
             const std::string wanted = text::lower(part);

@@ -31,15 +31,9 @@ inline constexpr std::string_view kPoweredBy = "Powered by Loomvault  # 2.text";
 inline constexpr std::string_view kWebAddress = "www.loomvault.com";
 inline constexpr std::string_view kRightsReserved = "All rights reserved";
 inline constexpr std::array<std::string_view, 4> kFixedTail{{"10", "10", "11", "11"}};
-inline constexpr int kHeaderLines = 12;
 
 inline constexpr std::string_view kShortcut = "SHORTCUT";
-inline constexpr std::string_view kDatadirKey = "datadir";
-inline constexpr std::string_view kBmpdirKey = "bmpdir";
 
 inline constexpr std::string_view kMenuFileFilter = "All Files (*.*)|*.*|VKL Files (*.vkl)|*.vkl";
-inline constexpr std::string_view kBitmapFilter = "All Files (*.*)|*.*|BMP Files (*.bmp)|*.bmp";
-inline constexpr std::string_view kPackageFilter = "All Files (*.*)|*.*|Pkg Files (*.pkg)|*.pkg";
-inline constexpr std::string_view kAddImageFilter = "All Files (*.*)|*.*|Bmp Files (*.bmp)|*.bmp";
 
 }  // namespace vkl::format

@@ -13,6 +13,7 @@
 #endif
 
 #include "platform/Bulk.h"
+#include "platform/Files.h"
 #include "platform/Int16.h"
 #include "platform/Text.h"
 #include "tree/Derivation.h"
@@ -23,7 +24,11 @@ namespace vkl::menufile {
 
 namespace {
 constexpr size_t kBlockSize = 1 << 16;
+
+RuntimeError outOfMemory() {
+    return {7, "Out of memory"};
 }
+}  // namespace
 
 LineReader::LineReader(std::string_view bytes) : data_(bytes.data()), size_(bytes.size()) {}
 
@@ -41,6 +46,11 @@ bool LineReader::refill() {
             }
             return false;
         }
+        // A file that grows while it is read is bounded like one that was large to begin with.
+        bytesRead_ += n;
+        if (bytesRead_ > files::kMaxMenuFileBytes) {
+            throw outOfMemory();
+        }
         data_ = buffer_.data();
         size_ = n;
         pos_ = 0;
@@ -54,6 +64,12 @@ bool LineReader::refill() {
         if (pos_ < size_) {
             return true;
         }
+    }
+}
+
+void LineReader::checkLength() const {
+    if (carry_.size() > files::kMaxLineBytes) {
+        throw outOfMemory();
     }
 }
 
@@ -100,11 +116,13 @@ std::string_view LineReader::readLine() {
                     crPending_ = true;
                 }
             }
-            ++line_;
             if (!carrying) {
+                ++line_;
                 return piece;
             }
             carry_.append(piece);
+            checkLength();
+            ++line_;
             return carry_;
         }
         if (!carrying) {
@@ -113,6 +131,7 @@ std::string_view LineReader::readLine() {
         }
         carry_.append(data_ + pos_, size_ - pos_);
         pos_ = size_;
+        checkLength();
     }
 }
 
@@ -290,16 +309,21 @@ class MenuReader {
     }
 
     void readBody(LineReader& in) {
-        while (!in.atEnd()) {
-            const std::string_view raw = in.readLine();
-            try {
+        std::string_view raw;
+        bool lineRead = false;  // a line too long to read ends the reading before it is read
+        try {
+            while (!in.atEnd()) {
+                lineRead = false;
+                raw = in.readLine();
+                lineRead = true;
                 bodyLine(in.lineNumber(), raw);
-            } catch (const RuntimeError& e) {
-                if (diag_ != nullptr) {
-                    diag_->fatalLine(in.lineNumber(), raw, e);
-                }
-                throw;
             }
+        } catch (const RuntimeError& e) {
+            if (diag_ != nullptr) {
+                diag_->fatalLine(lineRead ? in.lineNumber() : in.lineNumber() + 1,
+                                 lineRead ? raw : std::string_view(), e);
+            }
+            throw;
         }
     }
 
@@ -406,40 +430,21 @@ class MenuReader {
     ReadOutcome outcome_;
 };
 
-struct FileCloser {
-    void operator()(std::FILE* f) const { std::fclose(f); }
-};
-
-bool fileExists(const std::string& path) {
-    std::error_code ec;
-    const auto status = std::filesystem::status(path, ec);
-    return !ec && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
-}
-
-RuntimeError openError(int err) {
-    switch (err) {
-        case ENOENT:
-            return RuntimeError::fileNotFound();
-        case EACCES:
-        case EPERM:
-            return RuntimeError::permissionDenied();
-        default:
-            return {75, "Path/File access error"};
-    }
-}
-
 }  // namespace
 
 ReadOutcome readMenuFile(const std::string& path, const MenuModel& target, int16_t appendStartRow,
                          Color normalColor, ReadDiagnostics* diagnostics) {
     MenuReader reader(target, appendStartRow, normalColor, diagnostics);
-    if (!fileExists(path)) {
-        return reader.finish();
+    // The platform's exists test: a folder, or a name that leads nowhere, is no file.
+    switch (files::kindOf(path)) {
+        case files::Kind::missing:
+        case files::Kind::folder:
+        case files::Kind::linkLoop:
+            return reader.finish();
+        default:
+            break;
     }
-    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-        throw openError(errno);
-    }
+    const files::File file = files::openForReading(path);
     LineReader in(file.get());
     return reader.read(in);
 }

@@ -22,7 +22,7 @@ class LineReader {
     // Lines of bytes held in memory (not copied; they must outlive the reader).
     explicit LineReader(std::string_view bytes);
     // Lines of an open file (not owned, not closed here). A failing read raises run-time
-    // error 57.
+    // error 57; a file or line beyond the bounds of a menu file raises 7 (Out of memory).
     explicit LineReader(std::FILE* file);
 
     bool atEnd();
@@ -34,6 +34,7 @@ class LineReader {
   private:
     bool refill();
     size_t nextBreak();
+    void checkLength() const;
 
     std::FILE* file_ = nullptr;
     std::vector<char> buffer_;
@@ -45,6 +46,7 @@ class LineReader {
     bool crPending_ = false;  // the last line ended in a CR at the end of a block
     std::string carry_;       // a line that runs over the end of a block
     long line_ = 0;
+    uint64_t bytesRead_ = 0;
 };
 
 // The header fields of the main window, by the names of their controls.

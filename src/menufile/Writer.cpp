@@ -1,15 +1,7 @@
 #include "menufile/Writer.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cerrno>
-#include <filesystem>
 #include <utility>
-
-#if defined(__unix__) || defined(__APPLE__)
-#include <fcntl.h>
-#include <unistd.h>
-#endif
 
 #include "menufile/Format.h"
 #include "platform/Int16.h"
@@ -19,83 +11,18 @@
 
 namespace vkl::menufile {
 
-namespace fs = std::filesystem;
-
 // ---- LineWriter ----------------------------------------------------------------------------
 
 namespace {
-
 constexpr size_t kFlushAt = 1 << 16;
-
-RuntimeError accessError() {
-    return {75, "Path/File access error"};
-}
-
-RuntimeError createError(int err) {
-    switch (err) {
-        case ENOENT:
-        case ENOTDIR:
-            return RuntimeError::pathNotFound();
-        case ENOSPC:
-            return {61, "Disk full"};
-        default:
-            return accessError();
-    }
-}
-
-std::string tempNameBeside(const std::string& path) {
-    static std::atomic<unsigned> counter{0};
-    const fs::path target(path);
-    std::string name(1, '.');
-    name.append(target.filename().string()).append(".saving-");
-#if defined(__unix__) || defined(__APPLE__)
-    name.append(text::str(static_cast<long long>(::getpid()))).append(1, '-');
-#endif
-    name += text::str(counter++);
-    return (target.parent_path() / name).string();
-}
-
 }  // namespace
 
-LineWriter::LineWriter(const std::string& path) : target_(path) {
-    for (int attempt = 0; attempt < 100 && file_ == nullptr; ++attempt) {
-        temp_ = tempNameBeside(path);
-        errno = 0;
-        file_ = std::fopen(temp_.c_str(), "wbx");
-        if (file_ == nullptr && errno != EEXIST) {
-            throw createError(errno);
-        }
-    }
-    if (file_ == nullptr) {
-        throw accessError();
-    }
-    // The new file takes the place of the old one, so it takes its permissions too.
-    std::error_code ec;
-    const auto old = fs::status(path, ec);
-    if (!ec && fs::is_regular_file(old)) {
-        fs::permissions(temp_, old.permissions(), ec);
-    }
+LineWriter::LineWriter(const std::string& path) : file_(path) {
     buffer_.reserve(kFlushAt + 4096);
 }
 
-LineWriter::~LineWriter() {
-    if (file_ != nullptr) {
-        std::fclose(file_);
-    }
-    if (!committed_) {
-        std::error_code ec;
-        fs::remove(temp_, ec);
-    }
-}
-
 void LineWriter::flush() {
-    if (buffer_.empty()) {
-        return;
-    }
-    errno = 0;
-    if (std::fwrite(buffer_.data(), 1, buffer_.size(), file_) != buffer_.size()) {
-        throw errno == ENOSPC ? RuntimeError(61, "Disk full") : accessError();
-    }
+    file_.write(buffer_);
     buffer_.clear();
 }
 
@@ -119,68 +46,34 @@ void LineWriter::writeLine(std::initializer_list<std::string_view> pieces) {
 
 void LineWriter::commit() {
     flush();
-    errno = 0;
-    bool ok = std::fflush(file_) == 0;
-#if defined(__unix__) || defined(__APPLE__)
-    // On disk before it replaces the old file: a crash leaves one of the two, whole.
-    ok = ok && ::fsync(::fileno(file_)) == 0;
-#endif
-    const int err = errno;
-    ok = std::fclose(file_) == 0 && ok;
-    file_ = nullptr;
-    if (!ok) {
-        throw err == ENOSPC ? RuntimeError(61, "Disk full") : accessError();
-    }
-    std::error_code ec;
-    fs::rename(temp_, target_, ec);
-    if (ec) {
-        throw accessError();
-    }
-    committed_ = true;
+    file_.commit();
 }
 
 void overwriteLine(const std::string& path, std::string_view line) {
     std::string bytes(line);
     bytes += "\r\n";
-#if defined(__unix__) || defined(__APPLE__)
-    // Not opened with truncation: emptying a file and filling it again is, like renaming over
-    // it, what makes the file system write it out at once.
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    if (fd < 0) {
-        throw createError(errno);
-    }
-    int err = 0;
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            err = errno;
-            break;
+    files::overwriteSmallFile(path, bytes);
+}
+
+std::vector<std::string> shortcutLines(const Shortcuts& s, const HeaderFields& h) {
+    std::vector<std::string> lines;
+    const std::string head = std::string(format::kShortcut) + "|";
+    for (int16_t i = 0; i < s.count; ++i) {
+        if (static_cast<size_t>(i) >= s.pairs.size()) {
+            throw RuntimeError::subscriptOutOfRange();
         }
-        done += static_cast<size_t>(n);
+        const auto& [key, value] = s.pairs[static_cast<size_t>(i)];
+        if (!key.empty() && !value.empty()) {
+            lines.push_back(head + key + "|" + value);
+        }
     }
-    if (err == 0 && ::ftruncate(fd, static_cast<off_t>(bytes.size())) != 0) {
-        err = errno;
+    if (!h.datadir.empty()) {
+        lines.push_back(head + h.datadir + "|" + h.datadir);
     }
-    if (::close(fd) != 0 && err == 0) {
-        err = errno;
+    if (!h.imagedir.empty()) {
+        lines.push_back(head + "|" + h.imagedir);
     }
-#else
-    errno = 0;
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr) {
-        throw createError(errno);
-    }
-    int err = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() ? 0 : errno;
-    if (std::fclose(file) != 0 && err == 0) {
-        err = errno != 0 ? errno : EIO;
-    }
-#endif
-    if (err != 0) {
-        throw err == ENOSPC ? RuntimeError(61, "Disk full") : accessError();
-    }
+    return lines;
 }
 
 // ---- Check before saving -------------------------------------------------------------------
@@ -194,6 +87,11 @@ bool blank(std::string_view s) {
 }
 
 }  // namespace
+
+bool rowComplete(const Grid& grid, int row) {
+    return !trimmed(grid.textView(row, 1)).empty() && !trimmed(grid.textView(row, 3)).empty() &&
+           !trimmed(grid.textView(row, 4)).empty();
+}
 
 RowCheck checkRows(const Grid& grid) {
     RowCheck count;
@@ -270,21 +168,8 @@ class MenuWriter {
         for (std::string_view line : format::kFixedTail) {
             out_.writeLine(line);
         }
-        const Shortcuts& s = m_.shortcuts;
-        for (int16_t i = 0; i < s.count; ++i) {
-            if (static_cast<size_t>(i) >= s.pairs.size()) {
-                throw RuntimeError::subscriptOutOfRange();
-            }
-            const auto& [key, value] = s.pairs[static_cast<size_t>(i)];
-            if (!key.empty() && !value.empty()) {
-                out_.writeLine({format::kShortcut, "|", key, "|", value});
-            }
-        }
-        if (!h.datadir.empty()) {
-            out_.writeLine({format::kShortcut, "|", h.datadir, "|", h.datadir});
-        }
-        if (!h.imagedir.empty()) {
-            out_.writeLine({format::kShortcut, "|", "|", h.imagedir});
+        for (const std::string& line : shortcutLines(m_.shortcuts, h)) {
+            out_.writeLine(line);
         }
     }
 
@@ -354,7 +239,7 @@ class MenuWriter {
         const std::string_view shown = trimmed(g.textView(r, 4));
         const std::string_view bitmap = trimmed(g.textView(r, 5));
         const std::string_view written = trimmed(g.textView(r, 6));
-        if (!title.empty() && !action.empty() && !shown.empty()) {
+        if (rowComplete(g, r)) {
             const bool package = text::iequals(action, "LOS");
             out_.writeLine({indent_, m_.nodes.text(node), "|", bitmap, "|", action, "|",
                             package ? written : shown});

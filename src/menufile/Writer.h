@@ -1,27 +1,24 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "menufile/Reader.h"
+#include "platform/Files.h"
 #include "platform/Grid.h"
 #include "platform/Host.h"
 
 namespace vkl::menufile {
 
-// Writes lines ended by CR LF into a new file beside the target; commit() renames it over the
-// target. Until then the old file stays as it was, and a writer dropped without commit removes
-// its new file. A folder that does not exist raises run-time error 76, one that cannot be
-// written 75, a full disk 61.
+// Writes lines ended by CR LF as the new content of a file, saved safely: until commit() the
+// old file stays as it was, and a writer dropped without commit leaves it so. A folder that
+// does not exist raises run-time error 76, one that cannot be written or a read-only file 75,
+// a full disk 61.
 class LineWriter {
   public:
     explicit LineWriter(const std::string& path);
-    ~LineWriter();
-    LineWriter(const LineWriter&) = delete;
-    LineWriter& operator=(const LineWriter&) = delete;
 
     void writeLine(std::string_view line);
     // One line made of several pieces.
@@ -31,19 +28,19 @@ class LineWriter {
   private:
     void flush();
 
-    std::string target_;
-    std::string temp_;
-    std::FILE* file_ = nullptr;
+    files::SafeWriter file_;
     std::string buffer_;
-    bool committed_ = false;
 };
 
-// Makes line and CR LF the whole content of the file at path, writing over the old bytes in
-// place: no new file beside it and no wait for the disk. For the one-line last-folder file that
-// every open writes, where replacing the file made the file system flush it to disk on every
-// open (costing more than reading the menu) and a torn line only points the Open dialog
-// elsewhere. Raises the errors LineWriter raises.
+// Makes line and CR LF the whole content of the file at path, written in place: for the
+// one-line last-folder file, which every open writes and where a torn line only points the
+// Open dialog elsewhere. Raises the errors LineWriter raises.
 void overwriteLine(const std::string& path, std::string_view line);
+
+// The SHORTCUT lines a save writes: the stored pairs with key and value, then the data
+// directory as its own key and value, then the image directory with an empty key. The reader
+// takes neither of the last two back into the directory fields.
+std::vector<std::string> shortcutLines(const Shortcuts& shortcuts, const HeaderFields& header);
 
 // Texts of the check before saving and of the writer's reports.
 inline constexpr std::string_view kCheckFailedTitleEn = "Check before saving failed !";
@@ -61,6 +58,10 @@ inline constexpr std::string_view kSkippedRowsDe =
 
 // The message about a submenu without children, in English when the code is 1.
 std::string emptySubmenuMessage(std::string_view nodeText, bool english);
+
+// An item row is written only when its title, action and parameter as shown hold more than
+// blanks.
+bool rowComplete(const Grid& grid, int row);
 
 // The scan of the check before saving. A row counts as empty until its first non-blank cell
 // (columns 1 to 6 in order); from there on, an empty cell outside columns 2, 5 and 6 makes it

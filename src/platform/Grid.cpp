@@ -32,9 +32,13 @@ Grid::Row& Grid::Row::operator=(const Row& other) {
 
 void Grid::clearRow(Row& row) {
     // A row taken again comes back empty and without colour, like a new one: every text an
-    // empty part. Its strings stay as storage.
+    // empty part at the start of an empty line, whatever offsets its cells had before (a
+    // cell with a string of its own kept offsets into a line since compacted). Its strings
+    // stay as storage.
     row.back.fill(0);
+    row.from.fill(0);
     row.size.fill(0);
+    row.line.clear();
     row.kept = kAllKept;
 }
 

@@ -1,7 +1,14 @@
 #pragma once
 
+#include <cstdlib>
 #include <optional>
 #include <string>
+
+// MinGW's <stdlib.h> defines "environ" as a macro; Host::environ needs the plain word. Taken
+// after <cstdlib>, whose include guard keeps the macro from coming back.
+#ifdef environ
+#undef environ
+#endif
 
 namespace vkl {
 
@@ -21,7 +28,7 @@ struct MessageBox {
 };
 
 struct FileDialog {
-    std::string filter;  // "Name|pattern|Name|pattern"
+    std::string filter;   // "Name|pattern|Name|pattern"
     int filterIndex = 1;  // 1-based, as the common dialog counts
     std::string initialDir;
     bool overwritePrompt = false;
@@ -48,7 +55,7 @@ struct PictureSize {
 };
 
 class Host {
-public:
+  public:
     virtual ~Host() = default;
 
     virtual Answer msgBox(const MessageBox& box) = 0;

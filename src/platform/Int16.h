@@ -15,7 +15,11 @@ inline int16_t checked16(long long v) {
     return static_cast<int16_t>(v);
 }
 
-inline int16_t add16(int16_t a, long long b) { return checked16(static_cast<long long>(a) + b); }
-inline int16_t sub16(int16_t a, long long b) { return checked16(static_cast<long long>(a) - b); }
+inline int16_t add16(int16_t a, long long b) {
+    return checked16(static_cast<long long>(a) + b);
+}
+inline int16_t sub16(int16_t a, long long b) {
+    return checked16(static_cast<long long>(a) - b);
+}
 
 }  // namespace vkl

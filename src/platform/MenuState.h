@@ -12,9 +12,9 @@ namespace vkl {
 // The program-wide state of the tree derivation, shared by the reader, the tree commands and
 // the row operations. Counters are 16-bit as the editor counts them.
 struct TreeState {
-    int16_t nodeSerial = 0;      // last serial handed out for a folder node
-    int16_t currentLevel = 1;    // level of the line being read
-    int16_t deepestLevel = 0;    // highest level seen; levelNodes has entries 1..deepestLevel
+    int16_t nodeSerial = 0;    // last serial handed out for a folder node
+    int16_t currentLevel = 1;  // level of the line being read
+    int16_t deepestLevel = 0;  // highest level seen; levelNodes has entries 1..deepestLevel
     std::vector<NodeRef> levelNodes = std::vector<NodeRef>(1);  // index 0 unused
     // Bitmap of each folder by serial; re-created with two empty entries at every derivation.
     std::vector<std::string> submenuBitmaps = std::vector<std::string>(2);

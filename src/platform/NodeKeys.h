@@ -12,6 +12,11 @@ namespace vkl::keys {
 inline constexpr std::string_view kRoot = "Menu0";
 inline constexpr std::string_view kRootText = "Top Menu";
 
+// The image of a folder node, and the label a new item line's node is given in each language.
+inline constexpr std::string_view kFolderImage = "folderclosed";
+inline constexpr std::string_view kNewItemEn = "[New Item]";
+inline constexpr std::string_view kNewItemDe = "[Neue Zeile]";
+
 // The item keys are this stem followed by the row.
 inline constexpr std::string_view kItemStem = "Child";
 

@@ -16,22 +16,6 @@ std::string trim(std::string_view s) {
     return std::string(trimmed(s));
 }
 
-std::string ltrim(std::string_view s) {
-    size_t b = 0;
-    while (b < s.size() && s[b] == ' ') {
-        ++b;
-    }
-    return std::string(s.substr(b));
-}
-
-std::string rtrim(std::string_view s) {
-    size_t e = s.size();
-    while (e > 0 && s[e - 1] == ' ') {
-        --e;
-    }
-    return std::string(s.substr(0, e));
-}
-
 namespace {
 
 constexpr unsigned char upperOf(unsigned char c) {

@@ -23,8 +23,6 @@ inline std::string_view trimmed(std::string_view s) {
     return s.substr(b, e - b);
 }
 std::string trim(std::string_view s);
-std::string ltrim(std::string_view s);
-std::string rtrim(std::string_view s);
 
 // Case mapping of the Windows-1252 code page: umlauts and the other accented letters change too.
 char upperChar(char c);

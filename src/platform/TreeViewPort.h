@@ -6,7 +6,7 @@ namespace vkl {
 
 // The few tree operations that need pixels. Positions are twips in the tree's own coordinates.
 class TreeViewPort {
-public:
+  public:
     virtual ~TreeViewPort() = default;
     // Key of the node under the point; empty when there is none.
     virtual std::string hitTest(double x, double y) const = 0;

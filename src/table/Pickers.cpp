@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "platform/Environment.h"
 #include "platform/Text.h"
 #include "table/CellEdit.h"
 
@@ -62,17 +63,10 @@ std::string checkPackagePath(const Grid& grid, Host& host, const std::string& da
     }
     const std::string path = text::ireplace(grid.text(), "datadir/", dataDir + "/");
     std::vector<std::string> parts = text::split(path, '/');
+    const auto environment = lowerEnvironment(host);
     for (std::string& part : parts) {
         part = text::lower(part);
-        for (int i = 1;; ++i) {
-            const std::string entry = host.environ(i);
-            if (entry.empty()) {
-                break;
-            }
-            const size_t eq = entry.find('=');
-            const std::string name = text::lower(entry.substr(0, eq));
-            const std::string value =
-                eq == std::string::npos ? std::string() : text::lower(entry.substr(eq + 1));
+        for (const auto& [name, value] : environment) {
             if (part == name) {
                 MessageBox box;
                 box.prompt = name + "found !";

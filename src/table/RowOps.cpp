@@ -72,7 +72,7 @@ int addEmptyLine(Grid& grid, TreeNodes& nodes, TreeState& tree, int16_t& addedLi
         tree.levelNodes.resize(2);
         tree.deepestLevel = 1;
         // The placeholder is picked and then replaced: a new line always shows a blank label.
-        std::string_view label = german ? "[Neue Zeile]" : "[New Item]";
+        std::string_view label = german ? keys::kNewItemDe : keys::kNewItemEn;
         label = " ";
         tree.levelNodes[1] = nodes.add(std::string(keys::kRoot), TreeNodes::kChild, keys::item(n),
                                        std::string(label));

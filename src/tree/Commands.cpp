@@ -15,7 +15,7 @@ NodeRef addSubmenu(TreeNodes& nodes, TreeState& state, const std::string& curren
                    int relationship) {
     state.nodeSerial = add16(state.nodeSerial, 1);
     return nodes.add(nodes.byKey(currentKey), relationship, keys::folder(state.nodeSerial), "MENU",
-                     "folderclosed");
+                     keys::kFolderImage);
 }
 
 namespace {

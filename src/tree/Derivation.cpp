@@ -11,9 +11,6 @@ namespace vkl::tree {
 
 namespace {
 
-constexpr std::string_view kPlaceholderEn = "[New Item]";
-constexpr std::string_view kPlaceholderDe = "[Neue Zeile]";
-
 NodeRef addRoot(TreeNodes& nodes) {
     return nodes.add(NodeRef{}, TreeNodes::kChild, keys::kRoot, keys::kRootText, kRootImage);
 }
@@ -77,7 +74,7 @@ NodeRef LevelDerivation::submenu(int16_t level, std::string_view title,
     state_.nodeSerial = serial;
     const NodeRef parent = parentFor(level);
     const NodeRef node =
-        nodes_.add(parent, TreeNodes::kChild, keys::folder(serial), title, kFolderImage);
+        nodes_.add(parent, TreeNodes::kChild, keys::folder(serial), title, keys::kFolderImage);
     place(level, parent, node);
     std::string bitmap = text::trim(bitmapField);
     if (!bitmap.empty()) {
@@ -125,7 +122,7 @@ bool deriveFlat(const Grid& grid, TreeNodes& nodes, TreeState& state, int16_t la
         std::string title(grid.textView(r, 1));
         if (title.empty()) {
             // The placeholder is chosen and then replaced: an empty title shows as one blank.
-            title = languageCode == 1 ? kPlaceholderEn : kPlaceholderDe;
+            title = languageCode == 1 ? keys::kNewItemEn : keys::kNewItemDe;
             title.assign(1, ' ');
         }
         nodes.add(root, TreeNodes::kChild, keys::item(r), std::move(title));

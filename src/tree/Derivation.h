@@ -13,7 +13,6 @@
 namespace vkl::tree {
 
 inline constexpr std::string_view kRootImage = "root";
-inline constexpr std::string_view kFolderImage = "folderclosed";
 
 // The parent a line of the given level hangs under: the root at level 1, otherwise the level
 // node of level - 1. A level whose node was removed or never set counts as none; the line then

@@ -148,7 +148,7 @@ int dragDrop(TreeWindow& w, const std::string& draggedKey, double x, double y) {
         w.currentNodeKey = key;
         if (keys::isFolderOrRoot(key)) {
             // A folder that shows a bitmap passes the drop on to its parent.
-            if (w.nodes.image(target) != "folderclosed" && key != keys::kRoot) {
+            if (w.nodes.image(target) != keys::kFolderImage && key != keys::kRoot) {
                 target = w.nodes.parent(target);
             }
             const NodeRef dragged = w.nodes.find(draggedKey);

@@ -66,5 +66,28 @@ TEST(AppCommandLine, StartupMessagesNameTheProgram) {
     EXPECT_EQ(parseCommandLine(joinArguments({"x|inst", "dir|1"}))->installDir, "inst dir");
 }
 
+// How Windows hands the host's line over: the program name goes, the rest stays verbatim, so
+// quotes still go before the split and a run of blanks inside a field survives (joining
+// separate arguments would leave one blank).
+TEST(AppCommandLine, WindowsLineLosesOnlyTheProgramName) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {R"("C:\Program Files\Brindlemark\vkleditor.exe" x|C:\BM|2)", R"(x|C:\BM|2)"},
+        {R"(vkleditor.exe   "x|C:\Program Files\BM|1" )", R"("x|C:\Program Files\BM|1" )"},
+        {"vkleditor.exe\tx|C:\\My  Menus|1", "x|C:\\My  Menus|1"},
+        {R"("C:\a b\vkleditor.exe"x|y|1)", "x|y|1"},
+        {R"("C:\unclosed quote a|b|1)", ""},
+        {"vkleditor.exe", ""},
+        {"", ""},
+    };
+    for (const auto& [raw, rest] : cases) {
+        EXPECT_EQ(afterProgramName(raw), rest) << raw;
+    }
+    const auto line = parseCommandLine(afterProgramName("vkleditor.exe  x|  C:\\My  Menus |1"));
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->installDir, "C:\\My  Menus");
+    EXPECT_EQ(parseCommandLine(afterProgramName(cases[1].first))->installDir,
+              "C:\\Program Files\\BM");
+}
+
 }  // namespace
 }  // namespace vkl::startup

@@ -103,6 +103,12 @@ TEST(AppForm1Load, ColoursHeaderAndNumberColumnAndNumbersRows) {
     }
     EXPECT_EQ(w.form.defaultCellColor, t.backColor());
     EXPECT_EQ(t.textMatrix(0, 4), "Command Parameter");
+    w.form.Table.setRow(2);
+    w.form.Table.setCol(3);
+    w.form.load();
+    // The header's first cell is made current, and colouring column 0 leaves its last row
+    // current.
+    EXPECT_EQ(t.row() * 10 + t.col(), 30);
 }
 
 TEST(AppForm1Texts, SwitchRewritesCaptionsHeaderAndTitleFieldsOnly) {

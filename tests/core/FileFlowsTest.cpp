@@ -29,7 +29,7 @@ struct FileFlows : ::testing::Test {
     }
     void open(const std::string& path) {
         host.openAnswers.push_back(ScriptedHost::pick(path));
-        form.openFlow();
+        form.toolbarClick("open");
     }
     void cancelOpen() {
         host.openAnswers.push_back(ChosenFile{});
@@ -56,7 +56,7 @@ TEST_F(FileFlows, OpenRemembersTheFolderInTheTemporaryFolder) {
     EXPECT_TRUE(host.messages.empty());
 
     // The delimited read cuts at a comma, unless the text is quoted.
-    test::writeBytes(lastFolderFile, "  /with,comma/\r\n");
+    test::writeBytes(lastFolderFile, "  /with \t ,comma/\r\n");
     cancelOpen();
     EXPECT_EQ(host.openRequests[2].initialDir, "/with");
     test::writeBytes(lastFolderFile, "\"/quoted, too/\"\r\n");
@@ -113,6 +113,42 @@ TEST_F(FileFlows, AppendQuestionDecidesBetweenAppendAndOverwrite) {
     EXPECT_EQ(host.messages[1].title, "Daten einfuegen ?");
     EXPECT_EQ(form.Table.rows(), 4);
     EXPECT_EQ(shape(), "Menu0{Menu1{Child1 Child2} Child3}");
+}
+
+// The toolbar button or pop-up menu takes the focus: an open editor is taken over first, so
+// neither the read nor a removal leaves it over a row that is gone.
+TEST_F(FileFlows, OpenEditorsAreTakenOverBeforeRowsGo) {
+    host.answers.push_back(Answer::Yes);
+    open(example);
+    open(example);  // rows 1 to 6
+    auto startEdit = [&](int row, int col, int key) {
+        form.Table.setRow(row);
+        form.Table.setCol(col);
+        form.tableKeyPress(key);
+    };
+    startEdit(6, 1, 'x');
+    startEdit(6, 3, 'd');
+    form.Combo1.text = "Dialog";
+    host.answers.push_back(Answer::No);
+    open(example);
+    EXPECT_FALSE(form.Text1.visible || form.Combo1.visible);
+    EXPECT_EQ(form.Table.rows(), 4);
+
+    // The edit reaches its cell before the file is appended after it.
+    startEdit(2, 1, 'q');
+    host.answers.push_back(Answer::Yes);
+    open(example);
+    EXPECT_EQ(form.Table.textMatrix(2, 1), "Q");
+
+    // A removal from the pop-up menu: the drop-down writes its code, then its row goes.
+    ASSERT_EQ(shape(), "Menu0{Menu2{Child3 Child4} Child5}");
+    startEdit(4, 3, 'd');
+    form.Combo1.text = "Function";
+    form.currentNodeKey = "Menu2";
+    form.menuClick("removechilden");
+    EXPECT_FALSE(form.Combo1.visible);
+    EXPECT_EQ(form.lastCode, "F");
+    EXPECT_EQ(form.Table.rows(), 4);
 }
 
 TEST_F(FileFlows, SaveChecksDerivesAFlatTreeAndWrites) {

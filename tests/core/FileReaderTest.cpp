@@ -221,3 +221,43 @@ TEST(FileReader, BadInputEndsNormallyOrWithANamedError) {
 
 }  // namespace
 }  // namespace vkl
+
+namespace vkl {
+namespace {
+
+// Lines of every length around the sixteen-byte blocks the fields are searched in, with bars
+// anywhere (also in the last byte): the lines kept and their titles are those a plain split
+// at every "|" gives.
+TEST(FileReader, FieldsOfLinesOfEveryLengthAreThoseOfAPlainSplit) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 rng(seed);
+    std::vector<std::string> body;
+    std::string titles;
+    for (size_t length = 1; length <= 140; ++length) {
+        for (int variant = 0; variant < 8; ++variant) {
+            std::string line(length, 'a');
+            for (char& c : line) {
+                c = "ab|F"[rng() % 4];
+            }
+            line.front() = 'T';
+            line.back() = variant % 2 == 0 ? '|' : 'z';
+            body.push_back(line);
+            const std::vector<std::string> fields = text::split(line, '|');
+            if (fields.size() == 4 && !fields[0].empty() && !fields[2].empty() &&
+                !fields[3].empty()) {
+                titles += fields[0] + "\n";
+            }
+        }
+    }
+    Model m;
+    m.read(menuFile(body));
+    std::string read;
+    for (int r = 1; r < m.grid.rows(); ++r) {
+        read += m.grid.textMatrix(r, 1) + "\n";
+    }
+    EXPECT_EQ(read, titles);
+}
+
+}  // namespace
+}  // namespace vkl

@@ -152,7 +152,9 @@ TEST(FileWriter, SaveReplacesTheOldFileOnlyWhenComplete) {
     Saving s;
     s.save(m, path);
     EXPECT_EQ(linesFrom(path), "GOOD|g.bmp|F|g\n");
+#ifndef _WIN32  // Windows keeps a read-only attribute, no modes
     EXPECT_EQ(fs::status(path).permissions() & fs::perms::all, mode);
+#endif
     const std::string good = readBytes(path);
 
     // A run-time error half way through the walk leaves the old file whole, and nothing beside.

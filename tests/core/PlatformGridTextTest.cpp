@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <random>
+#include <string>
+#include <vector>
+
 #include "platform/Grid.h"
 #include "platform/Int16.h"
 #include "platform/RuntimeError.h"
@@ -64,6 +69,169 @@ TEST(Grid, RemovalKeepsTheLastDataRow) {
     EXPECT_EQ(g.rows(), 2);
 }
 
+// Long random runs of every way rows are set up, cut, removed and reused, against a plain
+// table of strings. Reused rows must come back empty however their cells were stored before.
+TEST(Grid, RandomOperationsMatchAPlainTable) {
+    using Model = std::vector<std::array<std::string, Grid::kCols>>;
+    using Colors = std::vector<std::array<Color, Grid::kCols>>;
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 rng(seed);
+    auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    auto randomText = [&] {
+        static const std::string pieces[] = {"",
+                                             "1",
+                                             "Drill",
+                                             "hole.bmp",
+                                             "F",
+                                             "LOS",
+                                             std::string(300, 'x'),
+                                             std::string(70000, 'y')};
+        std::string t = pieces[pick(7) + (pick(50) == 0 ? 1 : 0)];
+        return pick(2) == 0 ? t : t + std::to_string(pick(1000));
+    };
+    for (int run = 0; run < 40; ++run) {
+        Grid g;
+        Model model(1);
+        Colors colors(1);
+        int bulk = 0;
+        for (int step = 0; step < 1500; ++step) {
+            const int rows = static_cast<int>(model.size());
+            const int r = pick(rows + 1);  // one past the end now and then
+            const int c = pick(Grid::kCols);
+            switch (pick(11)) {
+                case 0: {
+                    const int n = 1 + pick(12);
+                    g.setRows(n);
+                    model.resize(static_cast<size_t>(n));
+                    colors.resize(static_cast<size_t>(n));
+                    break;
+                }
+                case 1:
+                case 2:
+                    if (r < rows) {
+                        const std::string t = randomText();
+                        g.setTextMatrix(r, c, t);
+                        model[static_cast<size_t>(r)][static_cast<size_t>(c)] = t;
+                    } else {
+                        EXPECT_EQ(errorOf([&] { g.setTextMatrix(r, c, "x"); }), 381);
+                    }
+                    break;
+                case 3: {
+                    // A line read from a file: the cells are parts of it, or texts from
+                    // elsewhere.
+                    if (r >= rows) {
+                        break;
+                    }
+                    std::string line;
+                    for (int k = 0; k < 3; ++k) {
+                        line += randomText() + "|";
+                    }
+                    std::array<std::string_view, Grid::kCols> parts;
+                    std::array<std::string, Grid::kCols> elsewhere;
+                    for (size_t k = 0; k < parts.size(); ++k) {
+                        if (pick(3) == 0) {
+                            elsewhere[k] = randomText();
+                            parts[k] = elsewhere[k];
+                        } else {
+                            const size_t from =
+                                static_cast<size_t>(pick(static_cast<int>(line.size())));
+                            parts[k] =
+                                std::string_view(line).substr(from, static_cast<size_t>(pick(9)));
+                        }
+                        model[static_cast<size_t>(r)][k] = std::string(parts[k]);
+                    }
+                    g.setRowTexts(r, line, parts);
+                    break;
+                }
+                case 4:
+                    if (r < rows) {
+                        EXPECT_EQ(g.textMatrix(r, c),
+                                  model[static_cast<size_t>(r)][static_cast<size_t>(c)]);
+                    } else {
+                        EXPECT_EQ(errorOf([&] { (void)g.textMatrix(r, c); }), 381);
+                    }
+                    break;
+                case 5:
+                    if (r == 0 || r >= rows || rows <= 2) {
+                        EXPECT_NE(errorOf([&] { g.removeItem(r); }), 0);
+                    } else {
+                        g.removeItem(r);
+                        model.erase(model.begin() + r);
+                        colors.erase(colors.begin() + r);
+                    }
+                    break;
+                case 6: {
+                    std::vector<bool> remove(static_cast<size_t>(pick(rows + 2)));
+                    for (size_t k = 0; k < remove.size(); ++k) {
+                        remove[k] = pick(3) == 0;
+                    }
+                    Model keptRows{model[0]};
+                    Colors keptColors{colors[0]};
+                    for (size_t k = 1; k < model.size(); ++k) {
+                        if (k >= remove.size() || !remove[k]) {
+                            keptRows.push_back(model[k]);
+                            keptColors.push_back(colors[k]);
+                        }
+                    }
+                    if (keptRows.size() < 2 && keptRows.size() < model.size()) {
+                        EXPECT_EQ(errorOf([&] { g.removeRows(remove); }), 30015);
+                    } else {
+                        g.removeRows(remove);
+                        model = keptRows;
+                        colors = keptColors;
+                    }
+                    break;
+                }
+                case 7:
+                    EXPECT_EQ(g.appendRow(), rows);
+                    model.emplace_back();
+                    colors.emplace_back();
+                    break;
+                case 8:
+                    if (r < rows) {
+                        const Color color = pick(2) == 0
+                                                ? kMarkingColor
+                                                : rgb(1, 2, static_cast<unsigned>(pick(9)));
+                        g.setBackColorAt(r, c, color);
+                        colors[static_cast<size_t>(r)][static_cast<size_t>(c)] = color;
+                    }
+                    break;
+                case 9:
+                    if (bulk > 0 && pick(2) == 0) {
+                        g.endBulk();
+                        --bulk;
+                    } else {
+                        g.beginBulk();
+                        ++bulk;
+                    }
+                    break;
+                default:
+                    if (pick(20) == 0) {
+                        g = Grid(g);  // a copy holds the same table
+                    }
+                    break;
+            }
+            ASSERT_EQ(g.rows(), static_cast<int>(model.size())) << "step " << step;
+            const int checked = pick(static_cast<int>(model.size()));
+            for (int k = 0; k < Grid::kCols; ++k) {
+                const auto at = static_cast<size_t>(checked);
+                ASSERT_EQ(g.textView(checked, k), model[at][static_cast<size_t>(k)])
+                    << "step " << step;
+                ASSERT_EQ(g.backColorAt(checked, k), colors[at][static_cast<size_t>(k)]);
+            }
+        }
+        while (bulk-- > 0) {
+            g.endBulk();
+        }
+        for (size_t at = 0; at < model.size(); ++at) {
+            for (int k = 0; k < Grid::kCols; ++k) {
+                ASSERT_EQ(g.textMatrix(static_cast<int>(at), k), model[at][static_cast<size_t>(k)]);
+            }
+        }
+    }
+}
+
 TEST(Text, TrimRemovesBlanksButNotTabs) {
     EXPECT_EQ(text::trim("  a b  "), "a b");
     EXPECT_EQ(text::trim("\ta\t "), "\ta\t");
@@ -112,7 +280,7 @@ TEST(Text, Windows1252RoundTripsThroughUtf8) {
     }
     EXPECT_EQ(text::utf8ToCp1252(text::cp1252ToUtf8(all)), all);
     EXPECT_EQ(text::cp1252ToUtf8("\x80\xE4"), "\xE2\x82\xAC\xC3\xA4");  // euro sign, a umlaut
-    EXPECT_EQ(text::utf8ToCp1252("\xE4\xB8\xAD"), "?");  // outside the code page
+    EXPECT_EQ(text::utf8ToCp1252("\xE4\xB8\xAD"), "?");                 // outside the code page
 }
 
 }  // namespace

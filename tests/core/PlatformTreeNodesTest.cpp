@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
+#include <random>
+#include <string>
+#include <vector>
 
 #include "platform/RuntimeError.h"
 #include "platform/TreeNodes.h"
@@ -204,6 +208,252 @@ TEST(TreeNodes, ExpandedParentsAreTheUnfoldedNodesThatHaveChildren) {
     t.add(NodeRef{}, TreeNodes::kChild, "Menu0", "Top Menu");
     t.add("Menu0", TreeNodes::kChild, "A", "A");
     EXPECT_TRUE(t.expandedParents().empty());
+}
+
+}  // namespace
+}  // namespace vkl
+
+namespace vkl {
+namespace {
+
+// The node collection as plain data: creation order is index order, children in lists.
+struct PlainTree {
+    struct Node {
+        std::string key;
+        int parent = -1;
+        std::vector<int> kids;
+        bool alive = true;
+    };
+    std::vector<Node> nodes;
+    std::vector<int> tops;
+
+    std::vector<int>& siblingsOf(int n) {
+        return nodes[n].parent < 0 ? tops : nodes[nodes[n].parent].kids;
+    }
+    bool keyTaken(const std::string& key) const {
+        return !key.empty() && std::any_of(nodes.begin(), nodes.end(),
+                                           [&](const Node& n) { return n.alive && n.key == key; });
+    }
+    int add(int relative, int relationship, const std::string& key) {
+        nodes.emplace_back();
+        nodes.back().key = key;
+        const int n = static_cast<int>(nodes.size()) - 1;
+        if (relative < 0) {
+            tops.push_back(n);
+        } else if (relationship == TreeNodes::kChild) {
+            nodes[n].parent = relative;
+            nodes[relative].kids.push_back(n);
+        } else {
+            nodes[n].parent = nodes[relative].parent;
+            std::vector<int>& sibs = siblingsOf(relative);
+            const auto at = std::find(sibs.begin(), sibs.end(), relative);
+            sibs.insert(relationship == TreeNodes::kNext ? at + 1 : at, n);
+        }
+        return n;
+    }
+    void remove(int n) {
+        if (!nodes[n].alive) {
+            return;
+        }
+        std::vector<int>& sibs = siblingsOf(n);
+        sibs.erase(std::find(sibs.begin(), sibs.end(), n));
+        std::vector<int> pending{n};
+        while (!pending.empty()) {
+            const int m = pending.back();
+            pending.pop_back();
+            nodes[m].alive = false;
+            pending.insert(pending.end(), nodes[m].kids.begin(), nodes[m].kids.end());
+        }
+    }
+    bool below(int n, int ancestor) const {
+        for (; n >= 0; n = nodes[n].parent) {
+            if (n == ancestor) {
+                return true;
+            }
+        }
+        return false;
+    }
+};
+
+// Long random runs of adds by every relationship, with keys of the editor's stems, other keys
+// and none, removals of subtrees one by one and many at once, renumbering, re-parenting and
+// clearing, each step compared with the plain model through every lookup.
+TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 rng(seed);
+    auto below = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    static const char* const stems[] = {"Child", "Menu", "Node", "x"};
+    for (int run = 0; run < 30; ++run) {
+        TreeNodes t;
+        PlainTree m;
+        std::vector<NodeRef> refs;  // the node of each model node
+        auto live = [&] {
+            std::vector<int> out;
+            for (int n = 0; n < static_cast<int>(m.nodes.size()); ++n) {
+                if (m.nodes[n].alive) {
+                    out.push_back(n);
+                }
+            }
+            return out;
+        };
+        auto randomKey = [&] {
+            switch (below(6)) {
+                case 0:
+                    return std::string();
+                case 1:
+                    return std::string("key") + static_cast<char>('a' + below(26));
+                default:
+                    return stems[below(4)] +
+                           std::to_string(below(3) == 0 ? below(100000) : below(60));
+            }
+        };
+        for (int step = 0; step < 400; ++step) {
+            const std::vector<int> alive = live();
+            const int some = alive.empty() ? -1 : alive[below(static_cast<int>(alive.size()))];
+            switch (below(10)) {
+                case 0:
+                case 1:
+                case 2: {
+                    const int relative = below(4) == 0 ? -1 : some;
+                    const int relationship = 2 + below(3);
+                    const std::string key = randomKey();
+                    const NodeRef rel = relative < 0 ? NodeRef{} : refs[relative];
+                    const bool numbered = !key.empty() && std::isdigit(key.back()) && below(2) == 0;
+                    const auto add = [&] {
+                        if (!numbered) {
+                            return t.add(rel, relationship, key, "t");
+                        }
+                        const size_t digits = key.find_first_of("0123456789");
+                        return t.addNumbered(rel, relationship, key.substr(0, digits),
+                                             std::stol(key.substr(digits)), "t");
+                    };
+                    if (m.keyTaken(key)) {
+                        EXPECT_EQ(errorOf([&] { add(); }), 35602) << key;
+                    } else {
+                        refs.push_back(add());
+                        m.add(relative, relationship, key);
+                    }
+                    break;
+                }
+                case 3:
+                    if (some >= 0) {
+                        t.remove(refs[some]);
+                        m.remove(some);
+                    }
+                    break;
+                case 4: {
+                    std::vector<NodeRef> many;
+                    std::vector<int> chosen;
+                    for (int n : alive) {
+                        if (below(4) == 0) {
+                            many.push_back(refs[n]);
+                            chosen.push_back(n);
+                        }
+                    }
+                    t.removeMany(many);
+                    for (int n : chosen) {
+                        m.remove(n);
+                    }
+                    break;
+                }
+                case 5: {
+                    // Renumbering: a chain of nodes takes keys some of them held before.
+                    std::vector<std::pair<NodeRef, long>> changes;
+                    std::vector<std::pair<int, std::string>> plain;
+                    const std::string stem = stems[below(4)];
+                    for (int n : alive) {
+                        if (below(3) == 0) {
+                            const long number = below(60) + (below(5) == 0 ? 70000 : 0);
+                            changes.emplace_back(refs[n], number);
+                            plain.emplace_back(n, stem + std::to_string(number));
+                        }
+                    }
+                    PlainTree after = m;
+                    for (auto& [n, key] : plain) {
+                        after.nodes[n].key.clear();
+                    }
+                    bool clash = false;
+                    for (auto& [n, key] : plain) {
+                        clash = clash || after.keyTaken(key);
+                        after.nodes[n].key = key;
+                    }
+                    if (clash) {
+                        EXPECT_EQ(errorOf([&] { t.rekeyNumbered(stem, changes); }), 35602);
+                    } else if (below(2) == 0) {
+                        t.rekeyNumbered(stem, changes);
+                        m = after;
+                    } else {
+                        std::vector<std::pair<NodeRef, std::string>> keyed;
+                        for (size_t k = 0; k < changes.size(); ++k) {
+                            keyed.emplace_back(changes[k].first, plain[k].second);
+                        }
+                        t.rekey(keyed);
+                        m = after;
+                    }
+                    break;
+                }
+                case 6: {
+                    const int other =
+                        alive.empty() ? -1 : alive[below(static_cast<int>(alive.size()))];
+                    if (some < 0 || other < 0) {
+                        break;
+                    }
+                    if (m.below(other, some)) {
+                        EXPECT_EQ(errorOf([&] { t.setParent(refs[some], refs[other]); }), 35614);
+                    } else {
+                        t.setParent(refs[some], refs[other]);
+                        std::vector<int>& sibs = m.siblingsOf(some);
+                        sibs.erase(std::find(sibs.begin(), sibs.end(), some));
+                        m.nodes[some].parent = other;
+                        m.nodes[other].kids.push_back(some);
+                    }
+                    break;
+                }
+                case 7:
+                    if (below(10) == 0) {
+                        t.clear();
+                        for (int n : alive) {
+                            m.nodes[n].alive = false;
+                        }
+                        m.tops.clear();
+                    }
+                    break;
+                default:
+                    if (!m.nodes.empty()) {
+                        const int gone = below(static_cast<int>(m.nodes.size()));
+                        if (!m.nodes[gone].alive) {
+                            EXPECT_FALSE(t.alive(refs[gone]));
+                            EXPECT_EQ(errorOf([&] { (void)t.key(refs[gone]); }), 91);
+                        }
+                    }
+                    break;
+            }
+            // Every lookup agrees with the model.
+            const std::vector<int> now = live();
+            ASSERT_EQ(t.count(), static_cast<int>(now.size())) << "step " << step;
+            for (size_t i = 0; i < now.size(); ++i) {
+                const int n = now[i];
+                const NodeRef r = refs[n];
+                ASSERT_EQ(t.byIndex(static_cast<int>(i) + 1), r) << "step " << step;
+                ASSERT_EQ(t.index(r), static_cast<int>(i) + 1);
+                ASSERT_EQ(t.key(r), m.nodes[n].key);
+                if (!m.nodes[n].key.empty()) {
+                    ASSERT_EQ(t.find(m.nodes[n].key), r) << m.nodes[n].key;
+                }
+                const int parent = m.nodes[n].parent;
+                ASSERT_EQ(t.parent(r), parent < 0 ? NodeRef{} : refs[parent]);
+                const std::vector<int>& kids = m.nodes[n].kids;
+                ASSERT_EQ(t.children(r), static_cast<int>(kids.size()));
+                ASSERT_EQ(t.child(r), kids.empty() ? NodeRef{} : refs[kids.front()]);
+                const std::vector<int>& sibs = m.siblingsOf(n);
+                const auto at = std::find(sibs.begin(), sibs.end(), n) - sibs.begin();
+                ASSERT_EQ(t.next(r),
+                          at + 1 < static_cast<long>(sibs.size()) ? refs[sibs[at + 1]] : NodeRef{});
+            }
+            ASSERT_TRUE(t.find("absent").isNull());
+        }
+    }
 }
 
 }  // namespace

@@ -20,7 +20,7 @@
 #include <thread>
 
 #include "gui/QtHost.h"
-#include "gui/SingleInstance.h"
+#include "platform/Files.h"
 #include "platform/RuntimeError.h"
 #include "support/ScriptedHost.h"
 
@@ -61,8 +61,6 @@ Answer answerBox(QtHost& host, const vkl::MessageBox& box, QMessageBox::Standard
     return host.msgBox(box);
 }
 
-int rc(int argc, char** argv);
-
 }  // namespace
 
 class QtHostTest : public QObject {
@@ -74,7 +72,6 @@ class QtHostTest : public QObject {
     void picturesAreMeasuredOrRefused();
     void popupMenuReturnsTheChosenEntry();
     void endingTheProgramLeavesTheEventLoop();
-    void secondCopyIsRefusedUntilTheFirstIsGone();
 };
 
 void QtHostTest::messageBoxesHaveTheirButtonsTitleAndIcon() {
@@ -145,7 +142,7 @@ void QtHostTest::environmentAndTempFolder() {
     QCOMPARE(host.environ(0), std::string());
     QCOMPARE(host.environ(-3), std::string());
 
-    QCOMPARE(host.tempPath().value_or(""), (QDir::tempPath() + QLatin1Char('/')).toStdString());
+    QCOMPARE(host.tempPath().value_or(""), vkl::files::userStateFolder());
 }
 
 void QtHostTest::picturesAreMeasuredOrRefused() {
@@ -218,61 +215,7 @@ void QtHostTest::endingTheProgramLeavesTheEventLoop() {
     QVERIFY(!window.isVisible());
 }
 
-void QtHostTest::secondCopyIsRefusedUntilTheFirstIsGone() {
-    QTemporaryDir dir;
-    const QString lock = dir.filePath(QStringLiteral("vkleditor.lock"));
-    {
-        vkl::gui::SingleInstance first(lock);
-        QVERIFY(first.acquire());
-        QVERIFY(first.acquire());  // asking again keeps it
-        vkl::gui::SingleInstance second(lock);
-        QVERIFY(!second.acquire());
-    }
-    // A copy in another process holds the lock, then crashes and leaves its lock file behind.
-    QProcess holder;
-    holder.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--hold-lock"), lock});
-    QVERIFY(holder.waitForReadyRead(20000));
-    QCOMPARE(holder.readAllStandardOutput().trimmed(), QByteArray("locked"));
-    {
-        vkl::gui::SingleInstance refused(lock);
-        QVERIFY(!refused.acquire());
-    }
-    // Even long after: a running copy's lock never goes stale by age.
-    std::filesystem::last_write_time(
-        lock.toStdString(), std::filesystem::file_time_type::clock::now() - std::chrono::hours(48));
-    {
-        vkl::gui::SingleInstance refused(lock);
-        QVERIFY(!refused.acquire());
-    }
-    holder.kill();
-    QVERIFY(holder.waitForFinished(20000));
-    QVERIFY(QFile::exists(lock));
-    vkl::gui::SingleInstance next(lock);
-    QVERIFY(next.acquire());
-}
-
-namespace {
-
-// The other copy of the lock test: takes the lock, says so, and waits to be killed.
-int rc(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
-    vkl::gui::SingleInstance instance(QString::fromLocal8Bit(argv[2]));
-    if (!instance.acquire()) {
-        return 2;
-    }
-    std::fputs("locked\n", stdout);
-    std::fflush(stdout);
-    for (;;) {
-        std::this_thread::sleep_for(std::chrono::seconds(1));
-    }
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-    if (argc == 3 && std::strcmp(argv[1], "--hold-lock") == 0) {
-        return rc(argc, argv);
-    }
     QApplication app(argc, argv);
     QtHostTest test;
     return QTest::qExec(&test, argc, argv);

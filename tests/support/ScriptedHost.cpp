@@ -93,9 +93,9 @@ std::optional<PictureSize> bmpSize(const std::string& path) {
         return std::nullopt;
     }
     auto le32 = [&](int at) {
-        return static_cast<int32_t>(static_cast<uint32_t>(h[at]) | (static_cast<uint32_t>(h[at + 1]) << 8) |
-                                    (static_cast<uint32_t>(h[at + 2]) << 16) |
-                                    (static_cast<uint32_t>(h[at + 3]) << 24));
+        return static_cast<int32_t>(
+            static_cast<uint32_t>(h[at]) | (static_cast<uint32_t>(h[at + 1]) << 8) |
+            (static_cast<uint32_t>(h[at + 2]) << 16) | (static_cast<uint32_t>(h[at + 3]) << 24));
     };
     const int32_t w = le32(18);
     const int32_t hgt = le32(22);

@@ -14,16 +14,16 @@ namespace vkl::test {
 // A host that answers from queues and records every call. A question or dialog with nothing
 // scripted for it fails the test loudly instead of guessing an answer.
 class ScriptedHost : public Host {
-public:
+  public:
     // Scripts.
-    std::deque<Answer> answers;              // for Yes/No questions
-    std::deque<ChosenFile> openAnswers;      // open dialogs (empty fileName = cancel)
+    std::deque<Answer> answers;          // for Yes/No questions
+    std::deque<ChosenFile> openAnswers;  // open dialogs (empty fileName = cancel)
     std::deque<ChosenFile> saveAnswers;
-    std::deque<std::string> folderAnswers;   // folder browser (empty = cancel)
-    std::deque<std::string> popupAnswers;    // entry chosen in a pop-up menu (empty = none)
+    std::deque<std::string> folderAnswers;  // folder browser (empty = cancel)
+    std::deque<std::string> popupAnswers;   // entry chosen in a pop-up menu (empty = none)
     std::function<void(const std::string& menu)> onPopup;  // runs while the pop-up is open
-    std::optional<std::string> temp;         // temporary folder; none = the call fails
-    std::vector<std::string> env;            // "NAME=value" entries
+    std::optional<std::string> temp;  // temporary folder; none = the call fails
+    std::vector<std::string> env;     // "NAME=value" entries
     ClockReading clock{11, 24, 16, 5};
 
     // Records.
