@@ -1,7 +1,8 @@
-// Opening the 32,000-line menu in the real window, offscreen: the toolbar's open command with
-// the dialog answered by a script, the grid and tree models filled, the views laid out and
-// painted, and the event loop run until it has nothing left to do. Compared with the reader
-// alone (BM_ReadMenuFile) on the same bytes in the same run.
+// Commands on the 32,000-line menu in the real window, offscreen: opening it through the
+// toolbar with the dialog answered by a script, removing from the tree's pop-up menus and
+// switching the language, each with the views laid out and painted and the event loop run until
+// it has nothing left to do. Compared with the reader alone (BM_ReadMenuFile) on the same bytes
+// in the same run.
 #ifdef VKL_BENCH_GUI
 
 #include <benchmark/benchmark.h>
@@ -9,6 +10,7 @@
 #include <QAbstractEventDispatcher>
 #include <QAction>
 #include <QApplication>
+#include <QMouseEvent>
 #include <QTableView>
 #include <QToolBar>
 #include <QTreeView>
@@ -20,6 +22,7 @@
 #include "MenuGen.h"
 #include "app/Form1.h"
 #include "gui/MainWindow.h"
+#include "gui/TreeModel.h"
 #include "support/ScriptedHost.h"
 
 namespace {
@@ -103,6 +106,127 @@ void BM_OpenInWindow(benchmark::State& state) {
     state.counters["rows"] = table->model()->rowCount();
 }
 BENCHMARK(BM_OpenInWindow)->Unit(benchmark::kMillisecond);
+
+// A window with the menu open, as a user has it after opening it.
+struct OpenWindow {
+    const WindowMenu& menu;
+    test::ScriptedHost host;
+    Form1 form;
+    gui::MainWindow window;
+    QAction* open;
+    QTreeView* tree;
+
+    explicit OpenWindow(const WindowMenu& m) : menu(m), form(host, m.folder, 1), window(form) {
+        host.temp = menu.folder + "/";
+        window.load();
+        window.resize(1400, 900);
+        window.show();
+        drainEvents();
+        open = toolbarAction(window, "open");
+        tree = window.findChild<QTreeView*>(QStringLiteral("Treeview"));
+        reopen();
+    }
+
+    void reopen() {
+        host.openAnswers.push_back(test::ScriptedHost::pick(menu.path));
+        if (form.Table.rows() > 1) {
+            host.answers.push_back(Answer::No);
+        }
+        open->trigger();
+        drainEvents();
+    }
+
+    // Right-clicks a node, scrolled into sight first, and picks an entry of its pop-up.
+    void popupCommand(const std::string& key, const char* entry) {
+        auto* model = static_cast<gui::TreeModel*>(tree->model());
+        const QModelIndex at = model->indexOf(form.Treeview.find(key));
+        tree->scrollTo(at);
+        drainEvents();
+        const QPointF point = tree->visualRect(at).center();
+        host.popupAnswers.push_back(entry);
+        QMouseEvent press(QEvent::MouseButtonPress, point, tree->viewport()->mapToGlobal(point),
+                          Qt::RightButton, Qt::RightButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(tree->viewport(), &press);
+        QMouseEvent release(QEvent::MouseButtonRelease, point, tree->viewport()->mapToGlobal(point),
+                            Qt::RightButton, Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(tree->viewport(), &release);
+    }
+
+    bool clean() const {
+        return !window.ended() && host.endCount == 0 && host.answers.empty() &&
+               host.popupAnswers.empty();
+    }
+};
+
+// The pop-up's Remove on an item near the top: one line goes, every line below is renumbered.
+void BM_WindowRemoveItem(benchmark::State& state) {
+    ensureApplication();
+    static const WindowMenu menu;
+    OpenWindow w(menu);
+    int rows = w.form.Table.rows();
+    for (auto _ : state) {
+        w.popupCommand("Child2", "remove1");
+        drainEvents();
+        if (w.form.Table.rows() != --rows) {
+            state.SkipWithError("the item's line was not removed");
+            break;
+        }
+    }
+    if (!w.clean()) {
+        state.SkipWithError("the command did not run cleanly in the window");
+    }
+}
+BENCHMARK(BM_WindowRemoveItem)->Unit(benchmark::kMillisecond);
+
+// Remove with Children on submenus of 100 items near the top (every third submenu of the
+// generated menu holds items only), one after the other as a user clears out a menu; the menu
+// is opened again (untimed) after every ten, so that it keeps 31,000 lines or more.
+void BM_WindowRemoveFolder(benchmark::State& state) {
+    ensureApplication();
+    static const WindowMenu menu;
+    OpenWindow w(menu);
+    int removed = 0;
+    for (auto _ : state) {
+        if (removed == 10) {
+            state.PauseTiming();
+            w.reopen();
+            removed = 0;
+            state.ResumeTiming();
+        }
+        const std::string key = "Menu" + std::to_string(3 * (removed + 1));
+        const int rows = w.form.Table.rows();
+        w.popupCommand(key, "remove2");
+        drainEvents();
+        ++removed;
+        if (w.form.Table.rows() != rows - 100 || !w.form.Treeview.find(key).isNull()) {
+            state.SkipWithError("the submenu and its lines were not removed");
+            break;
+        }
+    }
+    if (!w.clean()) {
+        state.SkipWithError("the command did not run cleanly in the window");
+    }
+}
+BENCHMARK(BM_WindowRemoveFolder)->Unit(benchmark::kMillisecond);
+
+// German, then English again: captions, the grid's header row and the colour pass.
+void BM_WindowSwitchLanguage(benchmark::State& state) {
+    ensureApplication();
+    static const WindowMenu menu;
+    OpenWindow w(menu);
+    QAction* german = toolbarAction(w.window, "useger");
+    QAction* english = toolbarAction(w.window, "useeng");
+    for (auto _ : state) {
+        german->trigger();
+        drainEvents();
+        english->trigger();
+        drainEvents();
+    }
+    if (!w.clean() || w.form.languageCode != 1 || w.form.Table.rows() != 32001) {
+        state.SkipWithError("the language did not switch cleanly in the window");
+    }
+}
+BENCHMARK(BM_WindowSwitchLanguage)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

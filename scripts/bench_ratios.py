@@ -8,6 +8,9 @@ RATIOS = [
     ("BM_ReadMenuFile", "BM_RawLineScan", 6.0),
     ("BM_WriteMenuFile", "BM_RawLineWrite", 3.0),
     ("BM_OpenInWindow", "BM_ReadMenuFile", 2.0),
+    ("BM_WindowRemoveItem", "BM_ReadMenuFile", 1.0),
+    ("BM_WindowRemoveFolder", "BM_ReadMenuFile", 1.0),
+    ("BM_WindowSwitchLanguage", "BM_ReadMenuFile", 1.0),
     ("BM_DeleteMarkedLines", "BM_ReadMenuFile", 1.0),
     ("BM_RemoveChildrenOnly", "BM_DeleteMarkedLines", 2.0),
 ]

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -59,10 +61,12 @@ class Form1 {
     void text1Change(const std::string& text);  // title to tree
     void text1Click();                          // select all
     void commitText();                          // the grid takes over again after an edit
+    void text1Cancel();                         // Escape: the edit is dropped, nothing is written
     // A toolbar button or pop-up menu takes the focus: an open editor is taken over first,
     // as when it loses the focus.
     void commitEditors();
     void combo1Click(const std::string& text);  // commit drop-down (also on losing focus)
+    void combo1Cancel();                        // Escape: the drop-down hides, nothing is written
     void tableMouseDown(int button);            // repeat code; clear selection
     void tableClick();                          // toggle mark; package path check
     void tableDblClick();                       // pick for cell
@@ -89,6 +93,9 @@ class Form1 {
     // ---- State (read by the window and the tests) ------------------------------------------
     Host& host;
     TreeViewPort* treePort = nullptr;  // set by whoever shows the tree
+    // Set by whoever shows the form: brings the view up to date before a pop-up menu takes
+    // over the events, so that the pop-up shows over the node it was opened for.
+    std::function<void()> showBeforePopup;
 
     std::string installDir;
     std::string programDir;
@@ -138,6 +145,9 @@ class Form1 {
     int16_t editRow = 0;
     int16_t typedCount = 0;
     std::string lastCode;
+    // The label of the edited row's item node when a title edit started; an edit dropped by
+    // Escape gives it back.
+    std::optional<std::string> labelBeforeEdit;
 
     // Tree events.
     std::string currentNodeKey;

@@ -45,6 +45,12 @@ void Form1::tableKeyPress(int& keyAscii) {
         return;
     }
     Combo1.visible = false;
+    labelBeforeEdit.reset();
+    if (editCol == table::kTitleColumn) {
+        if (const NodeRef node = table::nodeOfRow(Treeview, editRow); !node.isNull()) {
+            labelBeforeEdit = Treeview.text(node);
+        }
+    }
     Text1.text = opening.text;
     Text1.selStart = opening.selStart;
     Text1.selLength = 0;
@@ -80,6 +86,26 @@ void Form1::commitText() {
     }
     Table.setText(Text1.text);
     Text1.visible = false;
+}
+
+void Form1::text1Cancel() {
+    if (!Text1.visible) {
+        return;
+    }
+    Text1.visible = false;
+    Text1.hasFocus = false;
+    // The title went to the node with every key; the label it had comes back.
+    if (editCol == table::kTitleColumn && labelBeforeEdit) {
+        const NodeRef node = table::nodeOfRow(Treeview, editRow);
+        if (!node.isNull()) {
+            Treeview.setText(node, *labelBeforeEdit);
+        }
+    }
+    labelBeforeEdit.reset();
+}
+
+void Form1::combo1Cancel() {
+    Combo1.visible = false;
 }
 
 void Form1::commitEditors() {

@@ -61,6 +61,9 @@ void Form1::treeviewMouseDown(int button, int, double x, double y) {
     if (menu.empty()) {
         return;
     }
+    if (showBeforePopup) {
+        showBeforePopup();
+    }
     const std::string entry = host.popupMenu(menu);
     if (!entry.empty()) {
         menuClick(entry);

@@ -2,6 +2,8 @@
 
 #include <QGuiApplication>
 
+#include <algorithm>
+
 #include "gui/Convert.h"
 #include "platform/Text.h"
 
@@ -25,6 +27,17 @@ GridModel::GridModel(Grid& grid, QObject* parent)
         } else if (r <= shownRows_) {
             const QModelIndex at = index(r - 1, c);
             emit dataChanged(at, at, {Qt::DisplayRole, Qt::BackgroundRole});
+        }
+    };
+    o.rowsChanged = [this](int first, int last) {
+        if (first == 0) {
+            emit headerDataChanged(Qt::Horizontal, 0, Grid::kCols - 1);
+        }
+        const int top = std::max(first, 1);
+        const int bottom = std::min(last, shownRows_);
+        if (top <= bottom) {
+            emit dataChanged(index(top - 1, 0), index(bottom - 1, Grid::kCols - 1),
+                             {Qt::DisplayRole, Qt::BackgroundRole});
         }
     };
     // The grid announces appended rows only once they exist; the count the views see moves

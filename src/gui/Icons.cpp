@@ -2,17 +2,20 @@
 
 #include <QFont>
 #include <QHash>
+#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
 
 #include <functional>
+#include <utility>
 
 namespace vkl::gui::icons {
 
 namespace {
 
-// Every picture is drawn on a 16 x 16 grid and scaled to the sizes the views ask for.
+// Every picture is drawn on a 16 x 16 grid and scaled to the pixels the views ask for, at the
+// screen's device pixel ratio, so that it is as sharp at 200 % as at 100 %.
 using Drawing = std::function<void(QPainter&)>;
 
 const QColor kOutline(60, 60, 60);
@@ -20,19 +23,56 @@ const QColor kFolder(240, 196, 72);
 const QColor kFolderDark(196, 148, 32);
 const QColor kPaper(252, 252, 248);
 
-QIcon render(const Drawing& draw) {
-    QIcon icon;
-    for (int size : {16, 20, 24, 32, 48}) {
-        QPixmap pixmap(size, size);
+class DrawnIcon : public QIconEngine {
+  public:
+    explicit DrawnIcon(Drawing draw) : draw_(std::move(draw)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        const qreal ratio = painter->device() ? painter->device()->devicePixelRatioF() : 1.0;
+        painter->drawPixmap(rect, scaledPixmap(rect.size() * ratio, mode, state, ratio));
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return scaledPixmap(size, mode, state, 1.0);
+    }
+    // size is in device pixels; the pixmap carries the ratio it was drawn for.
+    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal scale) override {
+        if (size.isEmpty()) {
+            return {};
+        }
+        const QString key = QStringLiteral("%1x%2/%3/%4")
+                                .arg(size.width())
+                                .arg(size.height())
+                                .arg(static_cast<int>(mode))
+                                .arg(scale);
+        if (const auto hit = drawn_.constFind(key); hit != drawn_.constEnd()) {
+            return *hit;
+        }
+        QPixmap pixmap(size);
         pixmap.fill(Qt::transparent);
         QPainter p(&pixmap);
         p.setRenderHint(QPainter::Antialiasing);
-        p.scale(size / 16.0, size / 16.0);
-        draw(p);
+        p.scale(size.width() / 16.0, size.height() / 16.0);
+        if (mode == QIcon::Disabled) {
+            p.setOpacity(0.4);
+        }
+        draw_(p);
         p.end();
-        icon.addPixmap(pixmap);
+        pixmap.setDevicePixelRatio(scale);
+        drawn_.insert(key, pixmap);
+        return pixmap;
     }
-    return icon;
+    QSize actualSize(const QSize& size, QIcon::Mode, QIcon::State) override { return size; }
+    QIconEngine* clone() const override { return new DrawnIcon(draw_); }
+    QString key() const override { return QStringLiteral("vkl-drawn"); }
+
+  private:
+    Drawing draw_;
+    QHash<QString, QPixmap> drawn_;
+};
+
+QIcon render(const Drawing& draw) {
+    return QIcon(new DrawnIcon(draw));
 }
 
 QPen outline(qreal width = 0.8) {

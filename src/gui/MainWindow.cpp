@@ -1,6 +1,8 @@
 #include "gui/MainWindow.h"
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFile>
@@ -17,7 +19,10 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QSplitter>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -25,6 +30,7 @@
 #include <algorithm>
 #include <new>
 
+#include "app/Texts.h"
 #include "gui/Convert.h"
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
@@ -111,6 +117,7 @@ MainWindow::MainWindow(Form1& form, QWidget* parent) : QMainWindow(parent), form
     connectGrid();
     connectTree();
     form_.treePort = tree_;
+    form_.showBeforePopup = [this] { sync(); };
     sizeColumns();
 }
 
@@ -123,6 +130,7 @@ MainWindow::~MainWindow() {
     if (form_.treePort == tree_) {
         form_.treePort = nullptr;
     }
+    form_.showBeforePopup = nullptr;
 }
 
 // ---- Building --------------------------------------------------------------------------------
@@ -134,6 +142,7 @@ void MainWindow::buildWidgets() {
     toolbar_->setFloatable(false);
     toolbar_->setToolButtonStyle(Qt::ToolButtonIconOnly);
     addToolBar(Qt::TopToolBarArea, toolbar_);
+    toolbar_->installEventFilter(this);
 
     auto* central = new QWidget(this);
     setCentralWidget(central);
@@ -159,6 +168,8 @@ void MainWindow::buildWidgets() {
         auto* c = new QComboBox(central);
         c->setObjectName(QString::fromLatin1(name));
         c->setEditable(true);
+        // The text stays as typed: no completion from the list.
+        c->setCompleter(nullptr);
         c->setInsertPolicy(QComboBox::NoInsert);
         c->setMinimumContentsLength(5);
         c->installEventFilter(this);
@@ -206,6 +217,12 @@ void MainWindow::buildWidgets() {
     table_ = new GridView(body);
     table_->setObjectName(QStringLiteral("Table"));
     table_->setModel(gridModel_);
+    // The header row's texts change with the language only, never the lines or their height:
+    // the header repaints itself, where the view's own handling (a private slot, which is why
+    // it is named by text) would lay out the whole grid again and repaint every line. Should a
+    // later Qt name it otherwise, this does nothing and the grid is merely repainted.
+    disconnect(gridModel_, SIGNAL(headerDataChanged(Qt::Orientation, int, int)), table_,
+               SLOT(_q_headerDataChanged()));
     table_->setItemDelegate(new GridCellDelegate(table_));
     table_->setShowGrid(false);  // the cells draw the lines
     table_->verticalHeader()->hide();
@@ -249,6 +266,22 @@ void MainWindow::buildWidgets() {
     treeColumn->setContentsMargins(0, 0, 0, 0);
     tree_ = new NodeView(treePane);
     tree_->setObjectName(QStringLiteral("Treeview"));
+    // Connected before the view's own handlers: a command that removes the current node would
+    // make the view choose another one and lay out every line at once to draw it. The view
+    // drops it quietly instead; the form's selection is shown again once the command is done.
+    connect(treeModel_, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex& parent, int first, int last) {
+                if (handlerDepth_ == 0) {
+                    return;
+                }
+                for (QModelIndex at = tree_->currentIndex(); at.isValid(); at = at.parent()) {
+                    if (at.row() >= first && at.row() <= last && at.parent() == parent) {
+                        const QSignalBlocker quiet(tree_->selectionModel());
+                        tree_->selectionModel()->clear();
+                        break;
+                    }
+                }
+            });
     tree_->setModel(treeModel_);
     tree_->setItemDelegate(new NodeDelegate(tree_));
     tree_->setHeaderHidden(true);
@@ -279,11 +312,21 @@ void MainWindow::buildWidgets() {
 
     decfilename_ = makeLabel("decfilename");
     decfilename_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A long path is cut at the window's edge rather than widening the window.
+    decfilename_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     quit_ = makeButton("Quit");
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(decfilename_, 1);
     bottom->addWidget(quit_);
     outer->addLayout(bottom);
+
+    // Controls without a caption are named by their role.
+    toolbar_->setAccessibleName(tr("Toolbar"));
+    table_->setAccessibleName(tr("Menu table"));
+    tree_->setAccessibleName(tr("Menu tree"));
+    text1_->setAccessibleName(tr("Cell editor"));
+    combo1_->setAccessibleName(tr("Action"));
+    decfilename_->setAccessibleName(tr("File name"));
 
     timer1_ = new QTimer(this);
     timer1_->setObjectName(QStringLiteral("Timer1"));
@@ -587,8 +630,10 @@ void MainWindow::rebuildToolbar() {
                 // Room on the toolbar, empty but for its tooltip.
                 auto* room = new QWidget;
                 room->setObjectName(key);
-                room->setFixedWidth(toPixelsX(this, b.widthTwips));
+                designedRoom_ = toPixelsX(this, b.widthTwips);
+                room->setFixedWidth(designedRoom_);
                 room->setToolTip(tip);
+                room->setAccessibleName(tip);
                 action = toolbar_->addWidget(room);
                 break;
             }
@@ -600,6 +645,13 @@ void MainWindow::rebuildToolbar() {
                         [this, handlerKey] { run([&] { form_.toolbarClick(handlerKey); }); });
                 if (QWidget* button = toolbar_->widgetForAction(action)) {
                     button->setObjectName(key);
+                    button->setAccessibleName(tip);
+                }
+                // The platform's own keys for opening and saving reach the same commands.
+                if (b.key == "open") {
+                    action->setShortcut(QKeySequence::Open);
+                } else if (b.key == "save") {
+                    action->setShortcut(QKeySequence::Save);
                 }
                 break;
             }
@@ -610,6 +662,10 @@ void MainWindow::rebuildToolbar() {
         action->setStatusTip(fromCp1252(b.description));
     }
     shownToolbar_ = form_.toolbar;
+    // What the toolbar needs besides the placeholder, measured while it has its full room.
+    toolbar_->layout()->invalidate();
+    toolbarOthers_ = toolbar_->sizeHint().width() - designedRoom_;
+    fitToolbar();
 }
 
 void MainWindow::sizeColumns() {
@@ -627,22 +683,95 @@ void MainWindow::sizeColumns() {
         table_->setColumnWidth(c, width);
         total += width;
     }
-    // Just wide enough for the visible columns and a margin.
-    table_->setMinimumWidth(total + toPixelsX(this, Form1::kTableMargin) +
+    // The grid keeps these widths and scrolls sideways when it is narrower than its columns:
+    // a few lines and the first two columns are the least it shows.
+    table_->setMinimumWidth(table_->columnWidth(0) + table_->columnWidth(1) +
                             table_->verticalScrollBar()->sizeHint().width() +
                             2 * table_->frameWidth());
-    table_->setMinimumHeight(toPixelsY(this, Form1::kTableHeight));
+    table_->setMinimumHeight(table_->horizontalHeader()->sizeHint().height() +
+                             4 * table_->verticalHeader()->defaultSectionSize() +
+                             table_->horizontalScrollBar()->sizeHint().height() +
+                             2 * table_->frameWidth());
+    preferredTableWidth_ = total + toPixelsX(this, Form1::kTableMargin) +
+                           table_->verticalScrollBar()->sizeHint().width() +
+                           2 * table_->frameWidth();
+}
+
+void MainWindow::fitCaptions() {
+    // Each caption keeps the room of the longer of its two languages, so that switching the
+    // language moves none of the fields around it.
+    const texts::WindowTexts& en = texts::window(false);
+    const texts::WindowTexts& de = texts::window(true);
+    const std::pair<QWidget*, std::pair<std::string_view, std::string_view>> captions[] = {
+        {label1_, {en.label1, de.label1}},
+        {label2_, {en.label2, de.label2}},
+        {label3_, {en.label3, de.label3}},
+        {label4_, {en.label4, de.label4}},
+        {askDatadir_, {en.askDatadir, de.askDatadir}},
+        {askImagedir_, {en.askImagedir, de.askImagedir}},
+        {expand_, {en.expand, de.expand}},
+        {colapse_, {en.colapse, de.colapse}},
+        {onlymenus_, {en.onlymenus, de.onlymenus}},
+        {quit_, {en.quit, de.quit}},
+    };
+    for (const auto& [widget, texts] : captions) {
+        int width = 0;
+        for (const std::string_view text : {texts.first, texts.second}) {
+            const QString shown = fromCp1252(std::string(text));
+            if (auto* label = qobject_cast<QLabel*>(widget)) {
+                width = std::max(width, label->fontMetrics().horizontalAdvance(shown) +
+                                            2 * label->margin() + 2 * label->frameWidth());
+            } else if (auto* button = qobject_cast<QPushButton*>(widget)) {
+                QStyleOptionButton option;
+                option.initFrom(button);
+                option.text = shown;
+                const QSize text(button->fontMetrics().horizontalAdvance(shown),
+                                 button->fontMetrics().height());
+                width = std::max(
+                    width, button->style()
+                               ->sizeFromContents(QStyle::CT_PushButton, &option, text, button)
+                               .width());
+            }
+        }
+        widget->setMinimumWidth(width);
+    }
+}
+
+void MainWindow::fitToolbar() {
+    // The placeholder gives up its room first when the window is narrower than the toolbar,
+    // so that the buttons after it stay on the toolbar.
+    auto* room = toolbar_->findChild<QWidget*>(QStringLiteral("vklname"));
+    if (!room || designedRoom_ <= 0) {
+        return;
+    }
+    const int slack = toolbar_->layout()->spacing();
+    const int width = std::clamp(toolbar_->width() - toolbarOthers_ - slack, 0, designedRoom_);
+    if (room->minimumWidth() != width) {
+        room->setFixedWidth(width);
+        // Laid out at once: the toolbar keeps its size, so nothing else would lay it out, and
+        // the buttons it moved into its overflow menu come back.
+        toolbar_->layout()->invalidate();
+        toolbar_->layout()->activate();
+    }
 }
 
 // ---- Handlers --------------------------------------------------------------------------------
 
 void MainWindow::load() {
     run([this] { form_.load(); });
-    // A first size with room for the grid's columns, a tree beside them and many lines.
+    fitCaptions();
+    // A first size with room for the grid's columns and a tree beside them, within the
+    // screen's free area less the frame the window manager adds.
     const QRect screen = this->screen()->availableGeometry();
-    const QSize hint = sizeHint();
-    resize(std::min(screen.width(), std::max(hint.width(), table_->minimumWidth() + 360)),
-           std::min(screen.height(), std::max(hint.height(), screen.height() * 3 / 4)));
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
+    const int frame = 2 * style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, this);
+    const QSize room(screen.width() - frame, screen.height() - frame - titleBar);
+    const QSize wanted(preferredTableWidth_ + toPixelsX(this, kPreferredTreeTwips),
+                       std::max(sizeHint().height(), screen.height() * 3 / 4));
+    const QSize size = wanted.boundedTo(room).expandedTo(minimumSizeHint());
+    resize(size);
+    move(screen.left() + std::max(0, (screen.width() - size.width() - frame) / 2),
+         screen.top() + std::max(0, (screen.height() - size.height() - frame - titleBar) / 2));
 }
 
 bool MainWindow::run(const std::function<void()>& handler) {
@@ -654,6 +783,18 @@ bool MainWindow::run(const std::function<void()>& handler) {
         explicit Depth(int& c) : n(c) { ++n; }
         ~Depth() { --n; }
     };
+    // Like the grid the form knows, the view scrolls by TopRow only while a handler runs and
+    // its state is shown: walks that leave the last line current (the colour passes) or a
+    // removal of the current line must not carry it elsewhere.
+    struct NoAutoScroll {
+        QAbstractItemView* view;
+        bool was;
+        explicit NoAutoScroll(QAbstractItemView* v) : view(v), was(v->hasAutoScroll()) {
+            view->setAutoScroll(false);
+        }
+        ~NoAutoScroll() { view->setAutoScroll(was); }
+    };
+    const NoAutoScroll still(table_);
     try {
         Depth depth(handlerDepth_);
         handler();
@@ -741,9 +882,17 @@ bool MainWindow::filterKey(QWidget* field, QKeyEvent* event,
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == text1_) {
+    if (watched == toolbar_) {
+        if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest) {
+            fitToolbar();
+        }
+    } else if (watched == text1_) {
         switch (event->type()) {
             case QEvent::KeyPress:
+                if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+                    run([this] { form_.text1Cancel(); });
+                    return true;
+                }
                 return filterKey(text1_, static_cast<QKeyEvent*>(event),
                                  [this](int& k) { form_.text1KeyPress(k); });
             case QEvent::MouseButtonRelease:
@@ -765,10 +914,15 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
                 break;
         }
     } else if (watched == combo1_) {
+        // Opening its own list moves the focus into the list: that is no leaving.
         if (event->type() == QEvent::FocusOut && !syncing_ && handlerDepth_ == 0 &&
-            form_.Combo1.visible && formFocusReason(static_cast<QFocusEvent*>(event)->reason())) {
+            form_.Combo1.visible && formFocusReason(static_cast<QFocusEvent*>(event)->reason()) &&
+            !combo1_->view()->window()->isVisible()) {
             const std::string text = toCp1252(combo1_->currentText());
             run([this, &text] { form_.combo1Click(text); });
+        }
+        if (event->type() == QEvent::KeyPress && !syncing_) {
+            return combo1Key(static_cast<QKeyEvent*>(event));
         }
     } else if (watched == combo2_ || watched == combo3_) {
         ComboBox& field = watched == combo2_ ? form_.Combo2 : form_.Combo3;
@@ -783,6 +937,59 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QMainWindow::eventFilter(watched, event);
+}
+
+bool MainWindow::combo1Key(QKeyEvent* event) {
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    switch (event->key()) {
+        case Qt::Key_Escape:
+            run([this] { form_.combo1Cancel(); });
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter: {
+            const std::string text = toCp1252(combo1_->currentText());
+            run([this, &text] { form_.combo1Click(text); });
+            return true;
+        }
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_Home:
+        case Qt::Key_End:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown: {
+            if (!plain) {
+                return false;  // Alt+Down opens the list
+            }
+            // The arrows move through the list without choosing: only Enter or a click
+            // writes a code.
+            const int last = combo1_->count() - 1;
+            const int at = combo1_->currentIndex();
+            int to = at;
+            switch (event->key()) {
+                case Qt::Key_Up:
+                    to = at < 0 ? 0 : at - 1;
+                    break;
+                case Qt::Key_Down:
+                    to = at + 1;
+                    break;
+                case Qt::Key_Home:
+                case Qt::Key_PageUp:
+                    to = 0;
+                    break;
+                default:
+                    to = last;
+                    break;
+            }
+            to = std::clamp(to, 0, std::max(last, 0));
+            if (last >= 0 && to != at) {
+                combo1_->setCurrentIndex(to);
+                form_.Combo1.text = toCp1252(combo1_->itemText(to));
+            }
+            return true;
+        }
+        default:
+            return false;
+    }
 }
 
 // ---- Showing the form's state ----------------------------------------------------------------
@@ -820,6 +1027,23 @@ void MainWindow::syncCaptions() {
     setCaption(colapse_, c.colapse);
     setCaption(onlymenus_, c.onlymenus);
     setCaption(quit_, c.quit);
+    // A screen reader names each control by its caption, a field by the caption beside it.
+    const std::pair<QWidget*, const std::string*> spoken[] = {
+        {label1_, &c.label1},           {combo2_, &c.label1},
+        {label2_, &c.label2},           {combo3_, &c.label2},
+        {label3_, &c.label3},           {text2_, &c.label3},
+        {label4_, &c.label4},           {text3_, &c.label4},
+        {askDatadir_, &c.askDatadir},   {datadir_, &c.askDatadir},
+        {askImagedir_, &c.askImagedir}, {imagedir_, &c.askImagedir},
+        {expand_, &c.expand},           {colapse_, &c.colapse},
+        {onlymenus_, &c.onlymenus},     {quit_, &c.quit},
+    };
+    for (const auto& [widget, caption] : spoken) {
+        const QString name = fromCp1252(*caption);
+        if (widget->accessibleName() != name) {
+            widget->setAccessibleName(name);
+        }
+    }
     const std::pair<const char*, const std::string*> entries[] = {
         {"addsub", &c.addsub},
         {"addabove1", &c.addabove1},
@@ -926,7 +1150,16 @@ void MainWindow::syncCombo1() {
         combo1_->setCurrentIndex(index);
     }
     if (combo1_->isHidden() == box.visible) {
+        const QWidget* focus = QApplication::focusWidget();
+        const bool hadFocus =
+            focus == nullptr || focus == combo1_ || combo1_->view()->window()->isAncestorOf(focus);
         combo1_->setVisible(box.visible);
+        // Shown by a key, it takes the keys that follow; hidden, it gives them back to the grid.
+        if (box.visible) {
+            combo1_->setFocus(Qt::OtherFocusReason);
+        } else if (hadFocus) {
+            table_->setFocus(Qt::OtherFocusReason);
+        }
     }
 }
 
@@ -984,12 +1217,23 @@ void MainWindow::syncPreview() {
     if (state.created && !preview_) {
         preview_ = new PreviewWindow(this, margins);
         preview_->onClosed = [this] { form_.preview.shown = false; };
-        // It first opens in the lower corner of the tree, where it hides neither the grid's
-        // lines nor the folder clicked; the user may move it from there.
+        // It first opens beside the window, on the tree's side, where it hides none of the
+        // window's controls; without room there, on the other side, and on a screen too
+        // narrow for either at the screen's edge farthest from the tree. The user may move it
+        // from there.
         const QSize size = QSize(state.pictureWidth, state.pictureHeight) + margins;
-        const QWidget* area = tree_->viewport();
-        preview_->move(area->mapToGlobal(QPoint(area->width(), area->height())) -
-                       QPoint(size.width() + 8, size.height() + 8));
+        const QRect screen = this->screen()->availableGeometry();
+        const QRect window = frameGeometry();
+        const int top = std::clamp(tree_->mapToGlobal(QPoint(0, 0)).y(), screen.top(),
+                                   std::max(screen.top(), screen.bottom() + 1 - size.height()));
+        int left = screen.left();
+        if (window.right() + 1 + size.width() <= screen.right() + 1) {
+            left = window.right() + 1;
+        } else if (window.left() - size.width() >= screen.left()) {
+            left = window.left() - size.width();
+            preview_->growsLeft = true;
+        }
+        preview_->move(left, top);
     }
     if (!preview_) {
         return;

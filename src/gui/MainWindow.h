@@ -59,6 +59,8 @@ class MainWindow : public QMainWindow {
     void connectTree();
     void rebuildToolbar();
     void sizeColumns();
+    void fitCaptions();
+    void fitToolbar();
     void fail(int number, const std::string& description);
 
     void syncCaptions();
@@ -76,6 +78,8 @@ class MainWindow : public QMainWindow {
     bool filterKey(QWidget* field, QKeyEvent* event, const std::function<void(int&)>& handler);
     // The text box's text changed by typing: the form's copy follows, then its handler runs.
     void text1Edited(const QString& shown);
+    // Keys of the action drop-down while its list is closed; true when taken.
+    bool combo1Key(QKeyEvent* event);
     void refreshExpansion(const QModelIndex& below);
 
     Form1& form_;
@@ -120,6 +124,11 @@ class MainWindow : public QMainWindow {
     bool shownText1Focus_ = false;
     int shownTopRow_ = -1;
     bool gridLayoutPending_ = false;  // the grid was reset and not laid out since
+    int preferredTableWidth_ = 0;     // the grid with every column whole
+    int designedRoom_ = 0;            // the toolbar placeholder's width as designed
+    int toolbarOthers_ = 0;           // the toolbar's width without the placeholder
+    // The tree's share of a first window, beside a grid shown whole.
+    static constexpr int kPreferredTreeTwips = 5400;
 };
 
 }  // namespace vkl::gui

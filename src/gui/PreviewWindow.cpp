@@ -23,11 +23,9 @@ void PreviewWindow::showPicture(const QString& fileName, QSize pictureSize) {
         pictureSize = picture_->pixmap().size();
     }
     const QSize client = pictureSize + margins_;
-    if (isVisible() && size() != client) {
-        // A new picture keeps the lower right corner where it was, so that the window stays
-        // where it was placed beside the tree.
-        const QSize grown = client - size();
-        move(pos() - QPoint(grown.width(), grown.height()));
+    if (isVisible() && size() != client && growsLeft) {
+        // A new picture keeps the edge next to the main window where it was.
+        move(pos() - QPoint(client.width() - size().width(), 0));
     }
     setFixedSize(client);
     // The picture sits in the middle of the margins.

@@ -24,6 +24,9 @@ class PreviewWindow : public QDialog {
 
     // Called when the user closes the window.
     std::function<void()> onClosed;
+    // Set when the window stands left of the main window: a wider picture then grows it to
+    // the left, so that it keeps clear of the main window.
+    bool growsLeft = false;
 
   protected:
     void closeEvent(QCloseEvent* event) override;

@@ -39,8 +39,8 @@ TreeModel::TreeModel(TreeNodes& nodes, QObject* parent)
         beginInsertRows(indexOf(parent), pos, pos);
     };
     o.inserted = [this] { endInsertRows(); };
-    o.aboutToRemove = [this](NodeRef parent, int pos) {
-        beginRemoveRows(indexOf(parent), pos, pos);
+    o.aboutToRemove = [this](NodeRef parent, int first, int last) {
+        beginRemoveRows(indexOf(parent), first, last);
     };
     o.removed = [this] { endRemoveRows(); };
     o.aboutToMove = [this](NodeRef from, int fromPos, NodeRef to, int toPos) {

@@ -4,11 +4,14 @@
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QHash>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStaticText>
+#include <QtMath>
 
 #include "gui/Convert.h"
 #include "platform/Text.h"
@@ -82,23 +85,48 @@ int shiftCode(Qt::KeyboardModifiers modifiers) {
 
 namespace {
 
+// The laid-out glyphs of the texts painted lately, by font and text: a repaint after scrolling,
+// removing or renumbering lines shows mostly texts painted just before, and laying a text out
+// costs more than drawing it.
+class ShapedTexts {
+  public:
+    const QStaticText& get(const QString& text, const QFont& font) {
+        if (font != font_ || shaped_.size() > kMaxTexts) {
+            shaped_.clear();
+            font_ = font;
+        }
+        auto at = shaped_.find(text);
+        if (at == shaped_.end()) {
+            QStaticText shaped(text);
+            shaped.setTextFormat(Qt::PlainText);
+            shaped.setPerformanceHint(QStaticText::AggressiveCaching);
+            shaped.prepare(QTransform(), font);
+            at = shaped_.insert(text, shaped);
+        }
+        return *at;
+    }
+
+  private:
+    static constexpr qsizetype kMaxTexts = 8192;
+    QFont font_;
+    QHash<QString, QStaticText> shaped_;
+};
+
 // One line of text in a cell, cut with an ellipsis when it is too wide. Placed by hand from the
 // font's metrics: the general text layout costs several times as much per cell.
 void drawLine(QPainter* painter, const QStyleOptionViewItem& option, QRect room,
               const QString& text, Qt::Alignment alignment) {
+    static ShapedTexts* const cache = new ShapedTexts;  // kept to the end, like the fonts
     const QWidget* view = option.widget;
     const QStyle* style = view ? view->style() : QApplication::style();
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1;
     room.adjust(margin, 0, -margin, 0);
     const QFontMetrics& metrics = option.fontMetrics;
-    QString shown = text;
-    // A left-aligned text that fits even in the widest letters needs no measuring.
-    const bool surelyFits = !(alignment & (Qt::AlignHCenter | Qt::AlignRight)) &&
-                            text.size() * metrics.maxWidth() <= room.width();
-    int width = surelyFits ? 0 : metrics.horizontalAdvance(shown);
+    const QStaticText* shown = &cache->get(text, option.font);
+    int width = qCeil(shown->size().width());
     if (width > room.width()) {
-        shown = metrics.elidedText(text, Qt::ElideRight, room.width());
-        width = metrics.horizontalAdvance(shown);
+        shown = &cache->get(metrics.elidedText(text, Qt::ElideRight, room.width()), option.font);
+        width = qCeil(shown->size().width());
     }
     int x = room.left();
     if (alignment & Qt::AlignHCenter) {
@@ -106,8 +134,8 @@ void drawLine(QPainter* painter, const QStyleOptionViewItem& option, QRect room,
     } else if (alignment & Qt::AlignRight) {
         x = room.right() + 1 - width;
     }
-    const int y = room.top() + (room.height() - metrics.height()) / 2 + metrics.ascent();
-    painter->drawText(QPoint(x, y), shown);
+    const int y = room.top() + (room.height() - metrics.height()) / 2;
+    painter->drawStaticText(QPoint(x, y), *shown);
 }
 
 QPalette::ColorGroup colorGroup(const QStyleOptionViewItem& option) {

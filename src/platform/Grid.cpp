@@ -135,6 +135,10 @@ Grid::Grid(const Grid& other)
       col_(other.col_),
       topRow_(other.topRow_),
       bulk_(other.bulk_),
+      bulkReset_(other.bulkReset_),
+      dirtyFirst_(other.dirtyFirst_),
+      dirtyLast_(other.dirtyLast_),
+      bulkCurrent_(other.bulkCurrent_),
       observer_(other.observer_) {
     for (const auto& chunk : other.chunks_) {
         auto copy = std::make_unique<Row[]>(kChunkRows);
@@ -154,14 +158,46 @@ Grid& Grid::operator=(const Grid& other) {
 Grid::~Grid() = default;
 
 void Grid::beginBulk() {
-    if (bulk_++ == 0 && observer_.beginReset) {
-        observer_.beginReset();
-    }
+    ++bulk_;
 }
 
 void Grid::endBulk() {
-    if (--bulk_ == 0 && observer_.endReset) {
+    if (--bulk_ > 0) {
+        return;
+    }
+    const bool reset = std::exchange(bulkReset_, false);
+    const int first = std::exchange(dirtyFirst_, 0);
+    const int last = std::min(std::exchange(dirtyLast_, -1), rows_ - 1);
+    const bool current = std::exchange(bulkCurrent_, false);
+    if (reset) {
+        announceReset();
+    } else if (first <= last && observer_.rowsChanged) {
+        observer_.rowsChanged(first, last);
+    }
+    if (current && observer_.currentChanged) {
+        observer_.currentChanged();
+    }
+}
+
+void Grid::announceReset() {
+    if (observer_.beginReset) {
+        observer_.beginReset();
+    }
+    if (observer_.endReset) {
         observer_.endReset();
+    }
+}
+
+void Grid::gatherRemoved(int first, int last) {
+    // The rows gathered in a bulk scope so far move up with the rows below them.
+    const int count = last - first + 1;
+    if (bulk_ > 0 && dirtyFirst_ <= dirtyLast_ && dirtyLast_ >= first) {
+        if (dirtyFirst_ > last) {
+            dirtyFirst_ -= count;
+        } else {
+            dirtyFirst_ = std::min(dirtyFirst_, first);
+        }
+        dirtyLast_ = std::max(dirtyLast_ - count, dirtyFirst_);
     }
 }
 
@@ -187,6 +223,10 @@ void Grid::setRows(int n) {
     const int old = rows();
     if (n == old) {
         return;
+    }
+    // Inside a bulk scope a table cut or grown is refilled: the scope ends in one reset.
+    if (bulk_ > 0) {
+        bulkReset_ = true;
     }
     if (n > old) {
         grow(n);
@@ -214,7 +254,9 @@ int Grid::appendRow() {
     } else {
         grow(r + 1);
     }
-    if (bulk_ == 0 && observer_.rowsInserted) {
+    if (bulk_ > 0) {
+        bulkReset_ = true;
+    } else if (observer_.rowsInserted) {
         observer_.rowsInserted(r, r);
     }
     return r;
@@ -234,9 +276,7 @@ void Grid::setTopRow(int r) {
         return;
     }
     topRow_ = r;
-    if (bulk_ == 0 && observer_.currentChanged) {
-        observer_.currentChanged();
-    }
+    currentChanged();
 }
 
 void Grid::badCell() {
@@ -244,7 +284,15 @@ void Grid::badCell() {
 }
 
 void Grid::notifyCell(int r, int c) {
-    if (bulk_ == 0 && observer_.cellChanged) {
+    if (bulk_ > 0) {
+        if (dirtyFirst_ > dirtyLast_) {
+            dirtyFirst_ = r;
+            dirtyLast_ = r;
+        } else {
+            dirtyFirst_ = std::min(dirtyFirst_, r);
+            dirtyLast_ = std::max(dirtyLast_, r);
+        }
+    } else if (observer_.cellChanged) {
         observer_.cellChanged(r, c);
     }
 }
@@ -314,16 +362,25 @@ void Grid::removeItem(int r) {
     if (r == 0 || rows() <= 2) {
         throw RuntimeError::cannotRemoveLastRow();
     }
-    if (bulk_ == 0 && observer_.rowsAboutToBeRemoved) {
-        observer_.rowsAboutToBeRemoved(r, r);
+    cutRows(r, r);
+}
+
+void Grid::cutRows(int first, int last) {
+    // Announced while the rows are still there; the removed rows go behind the table, where
+    // their storage waits for reuse.
+    const bool announce = bulk_ == 0 || !bulkReset_;
+    if (announce) {
+        gatherRemoved(first, last);
+        if (observer_.rowsAboutToBeRemoved) {
+            observer_.rowsAboutToBeRemoved(first, last);
+        }
     }
-    // The removed row goes behind the table, where its storage waits for reuse.
-    const auto at = order_.begin() + r;
-    std::rotate(at, at + 1, order_.begin() + rows_);
-    --rows_;
+    const auto at = order_.begin() + first;
+    std::rotate(at, at + (last - first + 1), order_.begin() + rows_);
+    rows_ -= last - first + 1;
     clampCurrent();
-    if (bulk_ == 0 && observer_.rowsRemoved) {
-        observer_.rowsRemoved(r, r);
+    if (announce && observer_.rowsRemoved) {
+        observer_.rowsRemoved(first, last);
     }
 }
 
@@ -338,7 +395,25 @@ void Grid::removeRows(const std::vector<bool>& remove) {
     if (rows() - dropping < 2) {
         throw RuntimeError::cannotRemoveLastRow();
     }
-    beginBulk();
+    // The runs of removed rows go bottom up, so that the numbers of the runs above stay
+    // right, each announced as a removal; too many of them make one pass and one reset.
+    std::vector<std::pair<int, int>> runs;
+    for (int r = 1; r < rows() && r < static_cast<int>(remove.size()); ++r) {
+        if (!remove[static_cast<size_t>(r)]) {
+            continue;
+        }
+        if (!runs.empty() && runs.back().second == r - 1) {
+            runs.back().second = r;
+        } else {
+            runs.emplace_back(r, r);
+        }
+    }
+    if (runs.size() <= static_cast<size_t>(kMaxRemovalRuns)) {
+        for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+            cutRows(run->first, run->second);
+        }
+        return;
+    }
     // The rows that stay move up in order; the removed ones end up behind the table, where
     // their storage waits for reuse.
     size_t out = 1;
@@ -353,7 +428,11 @@ void Grid::removeRows(const std::vector<bool>& remove) {
     }
     rows_ = static_cast<int>(out);
     clampCurrent();
-    endBulk();
+    if (bulk_ > 0) {
+        bulkReset_ = true;
+    } else {
+        announceReset();
+    }
 }
 
 }  // namespace vkl

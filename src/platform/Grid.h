@@ -19,10 +19,15 @@ class Grid {
   public:
     static constexpr int kCols = 7;
 
+    // Changes are announced as they happen, except inside a bulk scope: there cell changes
+    // gather into one range of rows, removals are still announced as removals, and rows added
+    // or cut by setRows make the scope end in one reset. A scope that changed nothing
+    // announces nothing.
     struct Observer {
         std::function<void()> beginReset;  // many rows change at once
         std::function<void()> endReset;
-        std::function<void(int row, int col)> cellChanged;  // text or colour of one cell
+        std::function<void(int row, int col)> cellChanged;     // text or colour of one cell
+        std::function<void(int first, int last)> rowsChanged;  // cells of these rows (0: header)
         std::function<void(int first, int last)> rowsInserted;
         std::function<void(int first, int last)> rowsAboutToBeRemoved;
         std::function<void(int first, int last)> rowsRemoved;
@@ -114,9 +119,12 @@ class Grid {
 
     void setObserver(Observer o) { observer_ = std::move(o); }
     const Observer& observer() const { return observer_; }
-    // Brackets bulk work so that a view hears one reset instead of one notice per row.
+    // Brackets bulk work so that a view hears few notices instead of one per cell.
     void beginBulk();
     void endBulk();
+    // More runs of removed rows than this are announced as one reset: each removal notice
+    // costs a view a pass over its rows.
+    static constexpr int kMaxRemovalRuns = 32;
 
   private:
     // A row keeps the texts of its cells in one string, line: cell c is the part [from[c],
@@ -161,11 +169,18 @@ class Grid {
     static void compact(Row& row);
     void clampCurrent();
     void currentChanged() {
-        if (bulk_ == 0 && observer_.currentChanged) {
+        if (bulk_ > 0) {
+            bulkCurrent_ = true;
+        } else if (observer_.currentChanged) {
             observer_.currentChanged();
         }
     }
     void notifyCell(int r, int c);
+    // Takes rows first..last out, announced as a removal unless a reset is due anyway.
+    void cutRows(int first, int last);
+    // Moves the rows gathered in a bulk scope past a removal of rows first..last.
+    void gatherRemoved(int first, int last);
+    void announceReset();
     static void clearRow(Row& row);
     void grow(int n);
 
@@ -180,6 +195,12 @@ class Grid {
     int col_ = 0;
     int topRow_ = 1;
     int bulk_ = 0;
+    // What a bulk scope changed so far: rows added or cut (a reset at the end), the rows whose
+    // cells changed, and whether Row, Col or TopRow moved.
+    bool bulkReset_ = false;
+    int dirtyFirst_ = 0;
+    int dirtyLast_ = -1;
+    bool bulkCurrent_ = false;
     Observer observer_;
 };
 

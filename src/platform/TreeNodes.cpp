@@ -480,22 +480,33 @@ void TreeNodes::compactIndices() {
     order_.resize(out);
 }
 
+void TreeNodes::cutKids(int32_t parent, int first, int last) {
+    auto& kids = nodes_[static_cast<size_t>(parent)].kids;
+    std::vector<int32_t> gone;
+    for (int pos = first; pos <= last; ++pos) {
+        gone.clear();
+        collectSubtree(kids[static_cast<size_t>(pos)], gone);
+        for (int32_t s : gone) {
+            unindexKey(s);
+            Node& dead = nodes_[static_cast<size_t>(s)];
+            dead.alive = false;
+            dead.kids.clear();
+        }
+    }
+    kids.erase(kids.begin() + first, kids.begin() + last + 1);
+    for (size_t i = static_cast<size_t>(first); i < kids.size(); ++i) {
+        nodes_[static_cast<size_t>(kids[i])].pos = static_cast<int>(i);
+    }
+}
+
 void TreeNodes::remove(NodeRef n) {
     const Node& target = node(n);
     const int32_t parent = target.parent;
     const int pos = target.pos;
     if (bulk_ == 0) {
-        call(observer_.aboutToRemove, refOf(parent), pos);
+        call(observer_.aboutToRemove, refOf(parent), pos, pos);
     }
-    std::vector<int32_t> gone;
-    collectSubtree(n.slot, gone);
-    for (int32_t s : gone) {
-        unindexKey(s);
-        Node& dead = nodes_[static_cast<size_t>(s)];
-        dead.alive = false;
-        dead.kids.clear();
-    }
-    eraseKid(parent, pos);
+    cutKids(parent, pos, pos);
     compactIndices();
     if (bulk_ == 0) {
         call(observer_.removed);
@@ -503,7 +514,64 @@ void TreeNodes::remove(NodeRef n) {
 }
 
 void TreeNodes::removeMany(const std::vector<NodeRef>& targets) {
-    beginBulk();
+    if (bulk_ > 0) {
+        removeManyAtOnce(targets);
+        return;
+    }
+    // The nodes that go with their own subtree, not inside another one that goes, by parent
+    // and position.
+    std::vector<char> listed(used_, 0);
+    for (const NodeRef& n : targets) {
+        if (alive(n)) {
+            listed[static_cast<size_t>(n.slot)] = 1;
+        }
+    }
+    std::vector<std::pair<int32_t, int>> tops;
+    for (const NodeRef& n : targets) {
+        if (!alive(n) || listed[static_cast<size_t>(n.slot)] != 1) {
+            continue;
+        }
+        listed[static_cast<size_t>(n.slot)] = 2;  // a node named twice goes once
+        const Node& target = nodes_[static_cast<size_t>(n.slot)];
+        bool inside = false;
+        for (int32_t p = target.parent; p != 0 && !inside;
+             p = nodes_[static_cast<size_t>(p)].parent) {
+            inside = listed[static_cast<size_t>(p)] != 0;
+        }
+        if (!inside) {
+            tops.emplace_back(target.parent, target.pos);
+        }
+    }
+    std::sort(tops.begin(), tops.end());
+    struct Run {
+        int32_t parent;
+        int first;
+        int last;
+    };
+    std::vector<Run> runs;
+    for (const auto& [parent, pos] : tops) {
+        if (!runs.empty() && runs.back().parent == parent && runs.back().last == pos - 1) {
+            runs.back().last = pos;
+        } else {
+            runs.push_back({parent, pos, pos});
+        }
+    }
+    if (runs.size() > static_cast<size_t>(kMaxRemovalRuns)) {
+        beginBulk();
+        removeManyAtOnce(targets);
+        endBulk();
+        return;
+    }
+    // Bottom up within each parent, so that the positions of the runs above stay right.
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+        call(observer_.aboutToRemove, refOf(run->parent), run->first, run->last);
+        cutKids(run->parent, run->first, run->last);
+        call(observer_.removed);
+    }
+    compactIndices();
+}
+
+void TreeNodes::removeManyAtOnce(const std::vector<NodeRef>& targets) {
     std::vector<int32_t> parentsTouched;
     std::vector<char> touched(used_, 0);
     std::vector<int32_t> gone;
@@ -537,7 +605,6 @@ void TreeNodes::removeMany(const std::vector<NodeRef>& targets) {
         }
     }
     compactIndices();
-    endBulk();
 }
 
 NodeRef TreeNodes::byIndex(int index) const {
@@ -664,6 +731,114 @@ void TreeNodes::rekeyNumbered(std::string_view stem,
         text::copyInto(nodes_[static_cast<size_t>(n.slot)].key, s->keys.text(number));
         *stemCellOf(*s, static_cast<uint32_t>(number)) = n.slot;
     }
+}
+
+std::vector<std::pair<NodeRef, long>> TreeNodes::numberedFrom(std::string_view prefix,
+                                                              long from) const {
+    std::vector<std::pair<NodeRef, long>> out;
+    for (const KeyStem& s : stems_) {
+        if (!startsWith(s.stem, prefix)) {
+            continue;
+        }
+        const bool exact = s.stem.size() == prefix.size();
+        const size_t first = exact ? static_cast<size_t>(std::max(from, 0L)) : 0;
+        for (size_t k = first; k < s.byNumber.size(); ++k) {
+            const int32_t slot = s.byNumber[k];
+            if (slot > 0 && nodes_[static_cast<size_t>(slot)].alive) {
+                out.emplace_back(refOf(slot), exact ? static_cast<long>(k) : -1L);
+            }
+        }
+    }
+    for (const KeyEntry& e : keyTable_) {
+        if (e.slot > 0 && nodes_[static_cast<size_t>(e.slot)].alive &&
+            startsWith(nodes_[static_cast<size_t>(e.slot)].key, prefix)) {
+            out.emplace_back(refOf(e.slot), -1L);
+        }
+    }
+    return out;
+}
+
+bool TreeNodes::closeNumberGap(std::string_view stem, long gap) {
+    KeyStem* const s = knownStem(stem);
+    if (s == nullptr || gap < 0 || gap >= static_cast<long>(kMaxStemNumber)) {
+        return false;
+    }
+    const auto at = static_cast<size_t>(gap);
+    if (at < s->byNumber.size() && s->byNumber[at] >= 0) {
+        return false;
+    }
+    for (const KeyStem& other : stems_) {
+        if (&other != s && startsWith(other.stem, stem) &&
+            std::any_of(other.byNumber.begin(), other.byNumber.end(),
+                        [](int32_t slot) { return slot >= 0; })) {
+            return false;
+        }
+    }
+    for (const KeyEntry& e : keyTable_) {
+        if (e.slot > 0 && startsWith(nodes_[static_cast<size_t>(e.slot)].key, stem)) {
+            return false;
+        }
+    }
+    // Upwards: each key moves into the cell its lower neighbour has just left (or the gap).
+    for (size_t k = at + 1; k < s->byNumber.size(); ++k) {
+        const int32_t slot = s->byNumber[k];
+        if (slot < 0) {
+            continue;
+        }
+        s->byNumber[k - 1] = slot;
+        s->byNumber[k] = -1;
+        text::copyInto(nodes_[static_cast<size_t>(slot)].key,
+                       s->keys.text(static_cast<long>(k) - 1));
+    }
+    return true;
+}
+
+bool TreeNodes::moveNumbered(std::string_view stem,
+                             const std::vector<std::pair<long, long>>& moves) {
+    KeyStem* const s = knownStem(stem);
+    if (s == nullptr) {
+        return moves.empty();
+    }
+    const long cells = static_cast<long>(s->byNumber.size());
+    long highest = -1;
+    for (const auto& [from, to] : moves) {
+        if (from < 0 || from >= cells || s->byNumber[static_cast<size_t>(from)] < 0 || to < 0 ||
+            to >= static_cast<long>(kMaxStemNumber)) {
+            return false;
+        }
+        highest = std::max(highest, to);
+    }
+    // 1: the cell's node moves away; 2: a node moves into the cell.
+    std::vector<char> state(static_cast<size_t>(std::max(cells, highest + 1)), 0);
+    for (const auto& [from, to] : moves) {
+        char& mark = state[static_cast<size_t>(from)];
+        if ((mark & 1) != 0) {
+            return false;  // a node named twice
+        }
+        mark = static_cast<char>(mark | 1);
+    }
+    for (const auto& [from, to] : moves) {
+        char& mark = state[static_cast<size_t>(to)];
+        const bool kept =
+            to < cells && s->byNumber[static_cast<size_t>(to)] >= 0 && (mark & 1) == 0;
+        if (kept || (mark & 2) != 0) {
+            return false;
+        }
+        mark = static_cast<char>(mark | 2);
+    }
+    std::vector<int32_t> slots;
+    slots.reserve(moves.size());
+    for (const auto& [from, to] : moves) {
+        int32_t& cell = s->byNumber[static_cast<size_t>(from)];
+        slots.push_back(cell);
+        cell = -1;
+    }
+    for (size_t i = 0; i < moves.size(); ++i) {
+        const long to = moves[i].second;
+        text::copyInto(nodes_[static_cast<size_t>(slots[i])].key, s->keys.text(to));
+        *stemCellOf(*s, static_cast<uint32_t>(to)) = slots[i];
+    }
+    return true;
 }
 
 void TreeNodes::setText(NodeRef n, std::string text) {

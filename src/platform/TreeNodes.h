@@ -33,7 +33,8 @@ class TreeNodes {
         // parent is null for top-level nodes; pos is the position among the siblings.
         std::function<void(NodeRef parent, int pos)> aboutToInsert;
         std::function<void()> inserted;
-        std::function<void(NodeRef parent, int pos)> aboutToRemove;
+        // The children at positions first..last of parent go, each with its subtree.
+        std::function<void(NodeRef parent, int first, int last)> aboutToRemove;
         std::function<void()> removed;
         std::function<void(NodeRef from, int fromPos, NodeRef to, int toPos)> aboutToMove;
         std::function<void()> moved;
@@ -79,8 +80,10 @@ class TreeNodes {
     // Removes the node and its whole subtree.
     void remove(NodeRef node);
     // Removes several nodes (each with its subtree) in one pass; null or dead references and
-    // nodes inside an already removed subtree are skipped.
+    // nodes inside an already removed subtree are skipped. Siblings next to each other are
+    // announced as one removal; more than kMaxRemovalRuns such runs as one reset.
     void removeMany(const std::vector<NodeRef>& nodes);
+    static constexpr int kMaxRemovalRuns = 32;
 
     // Lookup: 1-based index (out of range raises "Subscript out of range") and key (missing
     // raises "Element not found"). find() returns a null reference instead of raising.
@@ -116,6 +119,22 @@ class TreeNodes {
     // rekey() with each new key given as stem and number: what renumbering the item keys of
     // thousands of rows does, without writing every key out and reading it back.
     void rekeyNumbered(std::string_view stem, const std::vector<std::pair<NodeRef, long>>& changes);
+
+    // The live nodes whose keys begin with prefix, each with the number of its key: those keyed
+    // prefix + a number (the way the editor names nodes) from the number `from` on, in order,
+    // then the keys of any other form with the number -1 (the caller reads them). A lower
+    // prefix + number key is left out. What renumbering thousands of item keys needs instead
+    // of a pass over every node.
+    std::vector<std::pair<NodeRef, long>> numberedFrom(std::string_view prefix, long from) const;
+    // The keys stem + k for every k above gap become stem + (k - 1), as rekeyNumbered would
+    // make them, when every key beginning with stem is of that form and stem + gap names no
+    // node. Returns false, having changed nothing, when one of these does not hold.
+    bool closeNumberGap(std::string_view stem, long gap);
+    // rekeyNumbered for nodes keyed stem + number in the stem's array, given as (old number,
+    // new number): the keys move cell to cell without being read. Returns false, having changed
+    // nothing, when an old number names no node or a new number is taken by a node that keeps
+    // its key or is given twice; rekeyNumbered then reports what is wrong.
+    bool moveNumbered(std::string_view stem, const std::vector<std::pair<long, long>>& moves);
 
     // Relationships. parent() is null for top-level nodes; the others are null when absent.
     NodeRef parent(NodeRef n) const;
@@ -217,6 +236,10 @@ class TreeNodes {
     void insertKid(int32_t parent, int pos, int32_t kid);
     void eraseKid(int32_t parent, int pos);
     void collectSubtree(int32_t slot, std::vector<int32_t>& out) const;
+    // Takes the children at positions first..last of parent out, with their subtrees, and
+    // drops their keys; the indices are left for compactIndices.
+    void cutKids(int32_t parent, int first, int last);
+    void removeManyAtOnce(const std::vector<NodeRef>& targets);
     void compactIndices();
     int32_t newSlot(std::string_view key, std::string_view text, std::string_view image);
     // Places a new node whose key (if any) has been checked; cell is its stem array cell.

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/Bulk.h"
 #include "platform/Int16.h"
 #include "platform/NodeKeys.h"
 #include "platform/Text.h"
@@ -15,17 +16,27 @@ namespace vkl::table {
 namespace {
 
 // Gives every item node whose row k moves up by shift(k) > 0 the key of its new row, all in one
-// rekey so that a chain of renumberings never meets itself.
+// rekey so that a chain of renumberings never meets itself. Rows below from do not move.
 template <typename Shift>
-void renumberItemKeys(TreeNodes& nodes, Shift shift) {
-    std::vector<std::pair<NodeRef, long>> changes;
-    for (int i = 1; i <= nodes.count(); ++i) {
-        const NodeRef n = nodes.byIndex(i);
-        const std::string& key = nodes.key(n);
-        if (!keys::isItem(key)) {
-            continue;
+void renumberItemKeys(TreeNodes& nodes, long from, Shift shift) {
+    const std::vector<std::pair<NodeRef, long>> keyed = nodes.numberedFrom(keys::kItemStem, from);
+    // Keys of the editor's own form move cell to cell; any other form is read and rekeyed.
+    std::vector<std::pair<long, long>> moves;
+    bool ownForm = true;
+    for (const auto& [n, number] : keyed) {
+        ownForm = ownForm && number >= 0;
+        if (ownForm) {
+            if (const long by = shift(number); by > 0) {
+                moves.emplace_back(number, number - by);
+            }
         }
-        const long k = keys::rowOf(key);
+    }
+    if (ownForm && nodes.moveNumbered(keys::kItemStem, moves)) {
+        return;
+    }
+    std::vector<std::pair<NodeRef, long>> changes;
+    for (const auto& [n, number] : keyed) {
+        const long k = number >= 0 ? number : keys::rowOf(nodes.key(n));
         const long by = shift(k);
         if (by > 0) {
             changes.emplace_back(n, k - by);
@@ -136,22 +147,25 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
     for (size_t k = 1; k < removedBefore.size(); ++k) {
         removedBefore[k] = removedBefore[k - 1] + (remove[k - 1] ? 1 : 0);
     }
-    renumberItemKeys(nodes, [&](long k) -> long {
+    // Keys up to the first removed row keep their numbers.
+    const long firstRemoved = std::find(remove.begin() + 1, remove.end(), true) - remove.begin();
+    renumberItemKeys(nodes, firstRemoved + 1, [&](long k) -> long {
         return k <= 0 ? 0 : removedBefore[static_cast<size_t>(std::min<long>(k, rows))];
     });
 
-    grid.beginBulk();
+    const BulkScope<Grid> bulk(grid);
     grid.removeRows(remove);
     if (keepFirst) {
         emptyLine(grid, 1, defaultCellColor, normalColor);
     }
     renumberLines(grid);
-    grid.endBulk();
 }
 
 void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
                       Color defaultCellColor, Color normalColor) {
     const long r = keys::rowOf(nodeKey);
+    // The renumbering below reaches the views as one range of rows.
+    const BulkScope<Grid> bulk(grid);
     if (r == 1 && grid.rows() == 2) {
         // The grid keeps its last data row: it stays as an empty line, nothing moves up.
         emptyLine(grid, 1, defaultCellColor, normalColor);
@@ -159,7 +173,11 @@ void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
         return;
     }
     grid.removeItem(static_cast<int>(std::clamp<long>(r, INT_MIN, INT_MAX)));
-    renumberItemKeys(nodes, [r](long k) -> long { return k > r ? 1 : 0; });
+    // Every key after the removed row moves up by one: in place when all item keys are of the
+    // editor's own form, which they are unless a file or a test made them otherwise.
+    if (!nodes.closeNumberGap(keys::kItemStem, r)) {
+        renumberItemKeys(nodes, r + 1, [r](long k) -> long { return k > r ? 1 : 0; });
+    }
     renumberLines(grid);
 }
 

@@ -160,5 +160,27 @@ TEST(TableEdit, DropDownWritesCodesAndRepeatsTheLastOne) {
     EXPECT_EQ(e.form.Table.textMatrix(2, 1), "T2");
 }
 
+TEST(TableEdit, EscapeDropsTheEditAndGivesTheTitleBack) {
+    Editing e;
+    for (const int col : {1, 4}) {
+        const std::string cell = e.form.Table.textMatrix(2, col);
+        e.start(2, col, 'n');
+        e.type("ew");
+        EXPECT_EQ(e.node(2), col == 1 ? "New" : "T");
+        e.form.text1Cancel();
+        EXPECT_FALSE(e.form.Text1.visible);
+        EXPECT_FALSE(e.form.Text1.hasFocus);
+        EXPECT_EQ(e.form.Table.textMatrix(2, col), cell);
+        EXPECT_EQ(e.node(2), "T");
+        e.form.commitText();  // nothing is left to commit
+        EXPECT_EQ(e.form.Table.textMatrix(2, col), cell);
+    }
+    // The drop-down hides and writes nothing.
+    e.start(3, 3, 'p');
+    e.form.combo1Cancel();
+    EXPECT_FALSE(e.form.Combo1.visible);
+    EXPECT_EQ(e.form.Table.textMatrix(3, 3), "");
+}
+
 }  // namespace
 }  // namespace vkl

@@ -2,13 +2,19 @@
 // plain models change underneath them.
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QtTest>
 
+#include <random>
+
+#include "app/Form1.h"
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
 #include "gui/TreeModel.h"
+#include "gui/WindowFixture.h"
 #include "platform/Colors.h"
 #include "platform/RuntimeError.h"
+#include "support/ScriptedHost.h"
 
 using vkl::Grid;
 using vkl::NodeRef;
@@ -24,6 +30,7 @@ class ModelsTest : public QObject {
     void treeFollowsAddsMovesAndRemoves();
     void treeIndexesOfRemovedNodesAreDead();
     void treeShowsTextIconsAndDropHighlight();
+    void commandsAnnounceWhatTheyChangedAndNoMore();
 };
 
 namespace {
@@ -44,6 +51,20 @@ QString shape(const QAbstractItemModel& model, const QModelIndex& parent = {}) {
         QString part = child.data().toString();
         if (model.rowCount(child) > 0) {
             part += QLatin1Char('[') + shape(model, child) + QLatin1Char(']');
+        }
+        parts << part;
+    }
+    return parts.join(QLatin1Char(' '));
+}
+
+// The plain tree in the form shape() shows the model in.
+QString plainShape(const TreeNodes& nodes, NodeRef parent = {}) {
+    QStringList parts;
+    for (int r = 0; r < nodes.childCount(parent); ++r) {
+        const NodeRef child = nodes.childAt(parent, r);
+        QString part = QString::fromStdString(nodes.text(child));
+        if (nodes.childCount(child) > 0) {
+            part += QLatin1Char('[') + plainShape(nodes, child) + QLatin1Char(']');
         }
         parts << part;
     }
@@ -83,16 +104,26 @@ void ModelsTest::gridRowsFollowTheGrid() {
     grid.setRows(3);
     QCOMPARE(columnOne(model), (QStringList{"line 1", "line 3"}));
 
-    // Bulk removal is one reset, not one notice per row.
+    // Removing many rows at once: each run of rows is one removal, too many runs one reset.
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
     removed.clear();
     grid.setRows(8);
     std::vector<bool> drop(8, false);
-    drop[1] = drop[4] = drop[7] = true;
+    drop[1] = drop[4] = drop[5] = true;
+    grid.removeRows(drop);
+    QCOMPARE(reset.count(), 0);
+    QCOMPARE(removed.count(), 2);
+    QCOMPARE(model.rowCount(), 4);
+    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 3"));
+    grid.setRows(2 * Grid::kMaxRemovalRuns + 4);
+    drop.assign(static_cast<size_t>(grid.rows()), false);
+    for (int r = 2; r < grid.rows(); r += 2) {
+        drop[static_cast<size_t>(r)] = true;
+    }
     grid.removeRows(drop);
     QCOMPARE(reset.count(), 1);
-    QCOMPARE(removed.count(), 0);
-    QCOMPARE(model.rowCount(), 4);
+    QCOMPARE(removed.count(), 2);
+    QCOMPARE(model.rowCount(), grid.rows() - 1);
     QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 3"));
 }
 
@@ -170,9 +201,12 @@ void ModelsTest::treeFollowsAddsMovesAndRemoves() {
     nodes.remove(nodes.byKey("Menu2"));
     QCOMPARE(shape(model), QStringLiteral("Top Menu[one three]"));
 
+    // Siblings side by side go as one removal, not as a reset.
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     nodes.removeMany({nodes.byKey("Child1"), nodes.byKey("Child3")});
-    QCOMPARE(reset.count(), 1);
+    QCOMPARE(reset.count(), 0);
+    QCOMPARE(removed.count(), 1);
     QCOMPARE(shape(model), QStringLiteral("Top Menu"));
     nodes.clear();
     QCOMPARE(model.rowCount(), 0);
@@ -250,6 +284,82 @@ void ModelsTest::treeShowsTextIconsAndDropHighlight() {
     QCOMPARE(edited.at(0).at(1).toString(), QStringLiteral("Neu"));
     QCOMPARE(nodes.text(item), std::string("Gr\xfc\xdf"
                                            "e"));
+}
+
+void ModelsTest::commandsAnnounceWhatTheyChangedAndNoMore() {
+    // Random removals and language switches on a read menu: the models follow the plain ones
+    // exactly, by removals and one range of changed rows, never by a reset.
+    QTemporaryDir dir;
+    const std::string path = dir.filePath(QStringLiteral("menu.vkl")).toStdString();
+    window_test::writeGroups(path);
+    vkl::test::ScriptedHost host;
+    vkl::Form1 form(host, dir.path().toStdString(), 1);
+    form.load();
+    GridModel grid(form.Table);
+    TreeModel tree(form.Treeview);
+    QAbstractItemModelTester gridTester(&grid,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QAbstractItemModelTester treeTester(&tree,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+    form.readMenuFile(path);
+    QSignalSpy gridResets(&grid, &QAbstractItemModel::modelReset);
+    QSignalSpy treeResets(&tree, &QAbstractItemModel::modelReset);
+    QSignalSpy gridChanges(&grid, &QAbstractItemModel::dataChanged);
+
+    std::mt19937 random(11);
+    const auto pick = [&](const std::string& stem) {
+        std::vector<std::string> keys;
+        for (int i = 1; i <= form.Treeview.count(); ++i) {
+            const std::string& key = form.Treeview.key(form.Treeview.byIndex(i));
+            if (key.rfind(stem, 0) == 0 && key != "Menu0") {
+                keys.push_back(key);
+            }
+        }
+        return keys.empty() ? std::string() : keys[random() % keys.size()];
+    };
+    for (int step = 0; step < 40 && form.Table.rows() > 12; ++step) {
+        gridChanges.clear();
+        const int command = static_cast<int>(random() % 5);
+        if (command == 4) {
+            // The colour pass paints the lines read since the last switch; switching again
+            // changes only the header row, and no line is announced.
+            form.setLanguage(2);
+            form.setLanguage(1);
+            QVERIFY(gridChanges.count() <= 1);
+            gridChanges.clear();
+            form.setLanguage(2);
+            form.setLanguage(1);
+            QCOMPARE(gridChanges.count(), 0);
+        } else if (command == 3) {
+            for (int k = 0; k < 3; ++k) {
+                form.Table.setRow(1 + static_cast<int>(random() % (form.Table.rows() - 1)));
+                form.Table.setCol(0);
+                form.tableClick();
+            }
+            gridChanges.clear();
+            form.deleteMarkedLines();
+        } else {
+            const char* entry = command == 0   ? "remove1"
+                                : command == 1 ? "remove2"
+                                               : "removechilden";
+            form.currentNodeKey = pick(command == 0 ? "Child" : "Menu");
+            if (form.currentNodeKey.empty()) {
+                continue;
+            }
+            form.menuClick(entry);
+        }
+        QVERIFY(gridChanges.count() <= 1);
+        QCOMPARE(gridResets.count(), 0);
+        QCOMPARE(treeResets.count(), 0);
+        QCOMPARE(grid.rowCount(), form.Table.rows() - 1);
+        for (int r = 0; r < grid.rowCount(); ++r) {
+            for (int c = 0; c < 5; ++c) {
+                QCOMPARE(grid.index(r, c).data().toString().toStdString(),
+                         form.Table.textMatrix(r + 1, c));
+            }
+        }
+        QCOMPARE(shape(tree), plainShape(form.Treeview));
+    }
 }
 
 QTEST_MAIN(ModelsTest)

@@ -28,6 +28,28 @@ inline std::string toolsMenu() {
     return VKL_TEST_DATA "/window/tools.vkl";
 }
 
+// A menu of 20 submenus three deep ("Menu1" to "Menu20") with 12 lines each, written to path.
+inline void writeGroups(const std::string& path) {
+    QFile out(QString::fromStdString(path));
+    if (!out.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    QByteArray text =
+        "# groups\r\n1 # library\r\nAbout\r\n2\r\n3\r\n4\r\nTitle\r\n"
+        "100\r\n100\r\n10\r\n10\r\n11\r\n11\r\n";
+    int item = 0;
+    for (int g = 0; g < 20; ++g) {
+        const QByteArray indent(g % 3, ' ');
+        text += indent + "Group " + QByteArray::number(g) + "||S|Group " + QByteArray::number(g) +
+                "\r\n";
+        for (int i = 0; i < 12; ++i, ++item) {
+            text += indent + " Item " + QByteArray::number(item) + "|i.bmp|F|call_" +
+                    QByteArray::number(item) + "\r\n";
+        }
+    }
+    out.write(text);
+}
+
 struct Window {
     vkl::test::ScriptedHost host;
     QTemporaryDir dir;

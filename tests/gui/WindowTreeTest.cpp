@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTimer>
 
@@ -308,6 +309,9 @@ void WindowTreeTest::popupCommandsAndViewButtonsShowInTheTree() {
 
 void WindowTreeTest::folderClickShowsItsBitmapInThePreview() {
     Window w;
+    // A window with room beside it on the screen.
+    const QRect screen = w.window.screen()->availableGeometry();
+    w.window.setGeometry(QRect(screen.topLeft(), w.window.minimumSizeHint()));
     QVERIFY(QTest::qWaitForWindowExposed(&w.window));
     QVERIFY(QDir(w.dir.path()).mkdir(QStringLiteral("img")));
     vkl::test::writeBmp(w.path("img/holes.bmp"), 48, 32);
@@ -331,12 +335,11 @@ void WindowTreeTest::folderClickShowsItsBitmapInThePreview() {
     QCOMPARE(preview->size(), QSize(48, 32) + margins);
     QVERIFY(preview->rect().contains(box->geometry()));
     const QImage holes = box->pixmap().toImage();
-    // It opens in the lower corner of the tree, clear of the grid, and keeps that corner.
-    const QWidget* treeArea = w.tree()->viewport();
-    const QRect treeOnScreen(treeArea->mapToGlobal(QPoint(0, 0)), treeArea->size());
-    QVERIFY(treeOnScreen.contains(preview->geometry()));
-    QVERIFY(preview->geometry().bottom() > treeOnScreen.center().y());
-    const QPoint corner = preview->frameGeometry().bottomRight();
+    // It opens beside the window, on the tree's side, and keeps the edge next to it.
+    QVERIFY(!preview->frameGeometry().intersects(w.window.frameGeometry()));
+    QVERIFY(preview->frameGeometry().left() > w.tree()->mapToGlobal(QPoint(0, 0)).x());
+    QVERIFY(screen.contains(preview->frameGeometry()));
+    const QPoint corner = preview->frameGeometry().topLeft();
 
     // A second folder replaces the picture in the same window.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu2"));
@@ -346,7 +349,7 @@ void WindowTreeTest::folderClickShowsItsBitmapInThePreview() {
     QCOMPARE(box->size(), QSize(64, 40));
     QCOMPARE(preview->size(), QSize(64, 40) + margins);
     QVERIFY(box->pixmap().toImage() != holes);
-    QCOMPARE(preview->frameGeometry().bottomRight(), corner);
+    QCOMPARE(preview->frameGeometry().topLeft(), corner);
 
     // A folder without a bitmap shows nothing new; a missing file is reported with its path
     // and the preview keeps its picture.

@@ -60,6 +60,9 @@ PictureSize ScriptedHost::loadPicture(const std::string& path) {
 
 std::string ScriptedHost::popupMenu(const std::string& menu) {
     popups.push_back(menu);
+    if (onPopup) {
+        onPopup(menu);
+    }
     if (popupAnswers.empty()) {
         return {};
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -20,8 +21,9 @@ class ScriptedHost : public Host {
     std::deque<ChosenFile> saveAnswers;
     std::deque<std::string> folderAnswers;  // folder browser (empty = cancel)
     std::deque<std::string> popupAnswers;   // entry chosen in a pop-up menu (empty = none)
-    std::optional<std::string> temp;        // temporary folder; none = the call fails
-    std::vector<std::string> env;           // "NAME=value" entries
+    std::function<void(const std::string& menu)> onPopup;  // runs while the pop-up is open
+    std::optional<std::string> temp;  // temporary folder; none = the call fails
+    std::vector<std::string> env;     // "NAME=value" entries
     ClockReading clock{11, 24, 16, 5};
 
     // Records.
