@@ -59,9 +59,14 @@ class Form1 {
     void tableKeyPress(int& keyAscii);          // start edit
     void text1KeyPress(int& keyAscii);          // editor key filter
     void text1Change(const std::string& text);  // title to tree
-    void text1Click();                          // select all
-    void commitText();                          // the grid takes over again after an edit
-    void text1Cancel();                         // Escape: the edit is dropped, nothing is written
+    // The editor's caret or selection moved (what select-all and typing keep track of).
+    void text1Caret(int selStart, int selLength);
+    // The user moved the grid's current cell (an open edit is taken over first) or scrolled it.
+    void tableCurrentChanged(int row, int col);
+    void tableScrolled(int topRow);
+    void text1Click();   // select all
+    void commitText();   // the grid takes over again after an edit
+    void text1Cancel();  // Escape: the edit is dropped, nothing is written
     // A toolbar button or pop-up menu takes the focus: an open editor is taken over first,
     // as when it loses the focus.
     void commitEditors();
@@ -76,6 +81,12 @@ class Form1 {
     void treeviewNodeClick(const std::string& key);
     void treeviewMouseDown(int button, int shift, double x, double y);
     void treeviewAfterLabelEdit(const std::string& newText);
+    // The user selected, unfolded or folded a node, or typed a new label into one.
+    void treeviewSelect(NodeRef node);
+    void treeviewExpand(NodeRef node, bool expanded);
+    void treeviewLabelEdited(NodeRef node, const std::string& label);
+    // Closing the window by its frame: the program ends, nothing is asked or saved.
+    void formUnload();
     void treeviewStartDrag();
     // Returns the effect (2 move, 0 no drop).
     int treeviewDragOver(double x, double y);

@@ -75,6 +75,21 @@ void Form1::text1Change(const std::string& text) {
     table::titleToTree(Treeview, editCol, editRow, text);
 }
 
+void Form1::text1Caret(int selStart, int selLength) {
+    Text1.selStart = selStart;
+    Text1.selLength = selLength;
+}
+
+void Form1::tableCurrentChanged(int row, int col) {
+    commitText();
+    Table.setRow(row);
+    Table.setCol(col);
+}
+
+void Form1::tableScrolled(int topRow) {
+    Table.setTopRow(topRow);
+}
+
 void Form1::text1Click() {
     Text1.selStart = 0;
     Text1.selLength = static_cast<int>(Text1.text.size());

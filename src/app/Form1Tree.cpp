@@ -75,6 +75,27 @@ void Form1::treeviewAfterLabelEdit(const std::string& newText) {
     tree::afterLabelEdit(w, newText);
 }
 
+void Form1::treeviewSelect(NodeRef node) {
+    treeSelected = node;
+}
+
+void Form1::treeviewExpand(NodeRef node, bool expanded) {
+    if (Treeview.alive(node)) {
+        Treeview.setExpanded(node, expanded);
+    }
+}
+
+void Form1::treeviewLabelEdited(NodeRef node, const std::string& label) {
+    // The edited node is the selected one; the handler gives it the label (and an item's line
+    // its title).
+    treeSelected = node;
+    treeviewAfterLabelEdit(label);
+}
+
+void Form1::formUnload() {
+    host.endProgram();
+}
+
 void Form1::treeviewStartDrag() {
     tree::TreeWindow w = windowOf(*this);
     tree::startDrag(w);

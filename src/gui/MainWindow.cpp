@@ -431,17 +431,19 @@ void MainWindow::connectGrid() {
                 if (syncing_ || handlerDepth_ > 0 || !current.isValid()) {
                     return;
                 }
+                const int row = current.row() + 1;
+                const int col = current.column();
                 if (form_.Text1.visible) {
-                    run([this] { form_.commitText(); });
+                    run([this, row, col] { form_.tableCurrentChanged(row, col); });
+                } else {
+                    form_.tableCurrentChanged(row, col);
                 }
-                form_.Table.setRow(current.row() + 1);
-                form_.Table.setCol(current.column());
             });
     connect(table_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
         if (syncing_ || handlerDepth_ > 0) {
             return;
         }
-        form_.Table.setTopRow(value + 1);
+        form_.tableScrolled(value + 1);
         shownTopRow_ = form_.Table.topRow();
     });
     // Scrolling moves the editors with the viewport; a column or row changing size does not.
@@ -465,11 +467,10 @@ void MainWindow::connectGrid() {
             return;
         }
         if (text1_->hasSelectedText()) {
-            form_.Text1.selStart = text1_->selectionStart();
-            form_.Text1.selLength = static_cast<int>(text1_->selectedText().size());
+            form_.text1Caret(text1_->selectionStart(),
+                             static_cast<int>(text1_->selectedText().size()));
         } else {
-            form_.Text1.selStart = text1_->cursorPosition();
-            form_.Text1.selLength = 0;
+            form_.text1Caret(text1_->cursorPosition(), 0);
         }
     };
     connect(text1_, &QLineEdit::cursorPositionChanged, this, readCaret);
@@ -530,16 +531,13 @@ void MainWindow::connectTree() {
                 if (syncing_ || handlerDepth_ > 0) {
                     return;
                 }
-                form_.treeSelected = treeModel_->node(current);
+                form_.treeviewSelect(treeModel_->node(current));
             });
     const auto userExpands = [this](const QModelIndex& index, bool expanded) {
         if (syncing_ || handlerDepth_ > 0) {
             return;
         }
-        const NodeRef n = treeModel_->node(index);
-        if (!n.isNull()) {
-            form_.Treeview.setExpanded(n, expanded);
-        }
+        form_.treeviewExpand(treeModel_->node(index), expanded);
     };
     connect(tree_, &QTreeView::expanded, this,
             [userExpands](const QModelIndex& index) { userExpands(index, true); });
@@ -564,16 +562,7 @@ void MainWindow::connectTree() {
                     return;
                 }
                 const std::string label = toCp1252(text);
-                const std::string before = form_.Treeview.text(n);
-                form_.treeSelected = n;
-                if (!run([this, &label] { form_.treeviewAfterLabelEdit(label); })) {
-                    return;
-                }
-                // The tree takes the new label once the event is done, unless the handler
-                // gave the node a label of its own.
-                if (form_.Treeview.alive(n) && form_.Treeview.text(n) == before) {
-                    form_.Treeview.setText(n, label);
-                }
+                run([this, n, &label] { form_.treeviewLabelEdited(n, label); });
             });
 }
 
@@ -830,15 +819,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     if (!ended_) {
         ended_ = true;
         timer1_->stop();
-        form_.host.endProgram();
+        form_.formUnload();
     }
 }
 
 void MainWindow::text1Edited(const QString& shown) {
     const std::string text = toCp1252(shown);
-    form_.Text1.text = text;
-    form_.Text1.selStart = text1_->cursorPosition();
-    form_.Text1.selLength = 0;
+    form_.text1Caret(text1_->cursorPosition(), 0);
     run([this, &text] { form_.text1Change(text); });
 }
 
