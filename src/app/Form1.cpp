@@ -36,26 +36,20 @@ ToolbarButton fileNamePlaceholder() {
 
 }  // namespace
 
-Form1::Form1(Host& h, std::string install, int16_t code, std::string programFolder)
-    : host(h),
-      installDir(std::move(install)),
-      programDir(std::move(programFolder)),
-      languageCode(code) {}
+Form1::Form1(Host& h, std::string install, int16_t code)
+    : host(h), installDir(std::move(install)), languageCode(code) {}
 
 void Form1::load() {
-    // The menu-bar groups only carry the pop-up menus; they are never shown as a menu bar.
-    menuGroupsVisible = false;
+    // The menu-bar groups that carry the pop-up menus, the language pictures, the other
+    // picture boxes and the window style bit have no state here: the window never shows them.
+    // Nor do the file dialog's defaults, the form flag and the image folder, which load sets
+    // and nothing reads.
     Timer1.enabled = false;
     Timer1.interval = 100;
 
     shortcuts.count = 0;
     tree.highestBitmapSerial = 0;
     appendStartRow = 999;
-    loadFlag = true;
-    // The extra window style bit on one child control is the window's business.
-
-    // Known to the window only when it passes the program folder; nothing reads it later.
-    imageDirBase = programDir.empty() ? std::string() : programDir + "\\images\\";
     normalColor = kNormalColor;
     markingColor = kMarkingColor;
     highlightColor = kHighlightColor;
@@ -73,13 +67,7 @@ void Form1::load() {
     toolbar.push_back(button("useeng", "useeng", texts::kTipEnglish));
     toolbar.push_back(button("useger", "useger", texts::kTipGerman));
 
-    // Both are replaced before every use of the dialog.
-    dialogDefaultExt = ".txt";
-    dialogFilter = "TXT file (*.txt)|*.txt";
-
-    // The language is switched from the toolbar; the directories only through the browser.
-    useLanguagePicturesVisible = false;
-    picturesVisible = false;
+    // The directories are filled only through the folder browser.
     Datadir.enabled = false;
     Imagedir.enabled = false;
 

@@ -25,8 +25,7 @@ class ReadDiagnostics;
 // leave the handlers as RuntimeError.
 class Form1 {
   public:
-    // programDir is the program's own folder, "" when the caller does not know it.
-    Form1(Host& host, std::string installDir, int16_t languageCode, std::string programDir = {});
+    Form1(Host& host, std::string installDir, int16_t languageCode);
 
     // ---- Start-up and texts --------------------------------------------------------------
     void load();
@@ -109,11 +108,8 @@ class Form1 {
     std::function<void()> showBeforePopup;
 
     std::string installDir;
-    std::string programDir;
     int16_t languageCode;
     int16_t appendStartRow = 999;
-    bool loadFlag = false;
-    std::string imageDirBase;
     Color normalColor = kNormalColor;
     Color markingColor = kMarkingColor;
     Color highlightColor = kHighlightColor;
@@ -123,7 +119,6 @@ class Form1 {
     TreeNodes Treeview;
     NodeRef treeSelected;       // the tree's selected node
     NodeRef treeDropHighlight;  // the tree's drop-highlighted node
-    bool treeImageListAttached = false;
 
     TextBox Text1, Text2, Text3, Datadir, Imagedir;
     ComboBox Combo1, Combo2, Combo3;
@@ -133,11 +128,6 @@ class Form1 {
     int toolbarButtonSize = 0;  // twips
     Timer Timer1;
     PreviewState preview;
-    bool menuGroupsVisible = true;           // the three menu-bar groups holding the pop-ups
-    bool useLanguagePicturesVisible = true;  // UseEng, UseGerman
-    bool picturesVisible = true;             // Picture1, Picture2, Picture4
-    std::string dialogDefaultExt;
-    std::string dialogFilter;
 
     // Layout as designed (twips and letter counts); the window converts.
     static constexpr int kTableLeft = 120;

@@ -81,7 +81,6 @@ void Form1::openFlow() {
     }
     dialog.filter = format::kMenuFileFilter;
     dialog.filterIndex = 2;
-    dialogFilter = dialog.filter;
     const ChosenFile chosen = host.openDialog(dialog);
     if (chosen.cancelled()) {
         return;
@@ -131,7 +130,6 @@ void Form1::saveFlow() {
     dialog.filter = format::kMenuFileFilter;
     dialog.filterIndex = 2;
     dialog.overwritePrompt = true;
-    dialogFilter = dialog.filter;
     const ChosenFile chosen = host.saveDialog(dialog);
     if (chosen.cancelled()) {
         return;
@@ -166,9 +164,6 @@ void Form1::readMenuFile(const std::string& path, menufile::ReadDiagnostics* dia
     } copyBack{*this, header};
     const menufile::ReadOutcome outcome =
         menufile::readMenuFile(path, model, appendStartRow, normalColor, diagnostics);
-    if (outcome.opened) {
-        treeImageListAttached = true;
-    }
     // The directory boxes are enabled only to be filled, and stay disabled.
     if (outcome.datadirSet) {
         Datadir.enabled = false;
@@ -186,9 +181,7 @@ void Form1::writeMenuFile(const std::string& path) {
 }
 
 void Form1::deriveFlatTree() {
-    if (tree::deriveFlat(Table, Treeview, tree, languageCode)) {
-        treeImageListAttached = true;
-    }
+    tree::deriveFlat(Table, Treeview, tree, languageCode);
 }
 
 }  // namespace vkl

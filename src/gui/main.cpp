@@ -1,6 +1,5 @@
 // The editor as Brindlemark starts it: "vkleditor <unused>|<install directory>|<language code>".
 #include <QApplication>
-#include <QFile>
 
 #include <cstdio>
 #include <optional>
@@ -67,8 +66,7 @@ int main(int argc, char* argv[]) {
         return 1;
     }
 
-    vkl::Form1 form(host, fields->installDir, fields->languageCode,
-                    QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString());
+    vkl::Form1 form(host, fields->installDir, fields->languageCode);
     vkl::gui::MainWindow window(form);
     host.setWindow(&window);
     window.load();

@@ -10,7 +10,7 @@ namespace {
 using Style = ToolbarButton::Style;
 
 struct Window {
-    explicit Window(int16_t code, int rows = 1) : form(host, "C:\\inst", code, "C:\\prog") {
+    explicit Window(int16_t code, int rows = 1) : form(host, "C:\\inst", code) {
         form.Table.setRows(rows);
         form.load();
     }
@@ -61,7 +61,6 @@ TEST(AppForm1Load, ResetsControlsListsAndCounters) {
     form.tree.highestBitmapSerial = 4;
     form.appendStartRow = 1;
     form.load();
-    EXPECT_FALSE(form.menuGroupsVisible);
     EXPECT_FALSE(form.Timer1.enabled);
     EXPECT_EQ(form.Timer1.interval, 100);
     EXPECT_EQ(form.Combo1.items, (std::vector<std::string>{"Submenu", "Dialog", "Function",
@@ -77,16 +76,11 @@ TEST(AppForm1Load, ResetsControlsListsAndCounters) {
     EXPECT_EQ(form.decfilename, "");
     EXPECT_FALSE(form.Datadir.enabled);
     EXPECT_FALSE(form.Imagedir.enabled);
-    EXPECT_FALSE(form.useLanguagePicturesVisible);
-    EXPECT_FALSE(form.picturesVisible);
     EXPECT_EQ(form.tree.nodeSerial, 0);
     EXPECT_EQ(form.addedLines, 0);
     EXPECT_EQ(form.shortcuts.count, 0);
     EXPECT_EQ(form.tree.highestBitmapSerial, 0);
     EXPECT_EQ(form.appendStartRow, 999);
-    EXPECT_TRUE(form.loadFlag);
-    EXPECT_EQ(form.imageDirBase, "");  // program folder unknown
-    EXPECT_EQ(Window(1).form.imageDirBase, "C:\\prog\\images\\");
     EXPECT_TRUE(host.messages.empty());
 }
 
