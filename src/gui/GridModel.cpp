@@ -54,7 +54,6 @@ GridModel::GridModel(Grid& grid, QObject* parent)
         shownRows_ -= last - first + 1;
         endRemoveRows();
     };
-    o.currentChanged = [this] { emit gridCurrentChanged(); };
     grid_.setObserver(std::move(o));
 }
 

@@ -31,10 +31,6 @@ class GridModel : public QAbstractTableModel {
 
     Grid& grid() { return grid_; }
 
-  signals:
-    // Row, Col or TopRow of the grid changed.
-    void gridCurrentChanged();
-
   private:
     Grid& grid_;
     // The data rows the views know of; follows the grid only through its notices, so that

@@ -138,7 +138,6 @@ Grid::Grid(const Grid& other)
       bulkReset_(other.bulkReset_),
       dirtyFirst_(other.dirtyFirst_),
       dirtyLast_(other.dirtyLast_),
-      bulkCurrent_(other.bulkCurrent_),
       observer_(other.observer_) {
     for (const auto& chunk : other.chunks_) {
         auto copy = std::make_unique<Row[]>(kChunkRows);
@@ -168,14 +167,10 @@ void Grid::endBulk() {
     const bool reset = std::exchange(bulkReset_, false);
     const int first = std::exchange(dirtyFirst_, 0);
     const int last = std::min(std::exchange(dirtyLast_, -1), rows_ - 1);
-    const bool current = std::exchange(bulkCurrent_, false);
     if (reset) {
         announceReset();
     } else if (first <= last && observer_.rowsChanged) {
         observer_.rowsChanged(first, last);
-    }
-    if (current && observer_.currentChanged) {
-        observer_.currentChanged();
     }
 }
 
@@ -276,7 +271,6 @@ void Grid::setTopRow(int r) {
         return;
     }
     topRow_ = r;
-    currentChanged();
 }
 
 void Grid::badCell() {

@@ -31,7 +31,6 @@ class Grid {
         std::function<void(int first, int last)> rowsInserted;
         std::function<void(int first, int last)> rowsAboutToBeRemoved;
         std::function<void(int first, int last)> rowsRemoved;
-        std::function<void()> currentChanged;  // Row, Col or TopRow
     };
 
     Grid();
@@ -50,16 +49,14 @@ class Grid {
 
     int row() const { return row_; }
     void setRow(int r) {
-        if (r >= 0 && r < rows_ && r != row_) {
+        if (r >= 0 && r < rows_) {
             row_ = r;
-            currentChanged();
         }
     }
     int col() const { return col_; }
     void setCol(int c) {
-        if (c >= 0 && c < kCols && c != col_) {
+        if (c >= 0 && c < kCols) {
             col_ = c;
-            currentChanged();
         }
     }
     int topRow() const { return topRow_; }
@@ -168,13 +165,6 @@ class Grid {
     static void store(Row& row, int c, std::string_view text);
     static void compact(Row& row);
     void clampCurrent();
-    void currentChanged() {
-        if (bulk_ > 0) {
-            bulkCurrent_ = true;
-        } else if (observer_.currentChanged) {
-            observer_.currentChanged();
-        }
-    }
     void notifyCell(int r, int c);
     // Takes rows first..last out, announced as a removal unless a reset is due anyway.
     void cutRows(int first, int last);
@@ -200,7 +190,6 @@ class Grid {
     bool bulkReset_ = false;
     int dirtyFirst_ = 0;
     int dirtyLast_ = -1;
-    bool bulkCurrent_ = false;
     Observer observer_;
 };
 
