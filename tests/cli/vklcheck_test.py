@@ -4,6 +4,7 @@
 usage: vklcheck_test.py GROUP VKLCHECK DATA_DIR
 """
 
+import codecs
 import json
 import os
 import random
@@ -77,10 +78,19 @@ def run_json(*args):
         return code, {}, err
 
 
+def _undefined_bytes(e):
+    """The five bytes Windows-1252 leaves undefined are written as such."""
+    run = e.object[e.start:e.end]
+    if not all(ord(c) in (0x81, 0x8D, 0x8F, 0x90, 0x9D) for c in run):
+        raise e
+    return run.encode("latin-1"), e.end
+
+
+codecs.register_error("vkl_undefined_1252", _undefined_bytes)
+
+
 def cp1252(text):
-    """Windows-1252 bytes; the five bytes the code page leaves undefined are written as such."""
-    return b"".join(c.encode("cp1252") if ord(c) not in (0x81, 0x8D, 0x8F, 0x90, 0x9D)
-                    else bytes([ord(c)]) for c in text)
+    return text.encode("cp1252", "vkl_undefined_1252")
 
 
 def write(name, lines, header=HEADER, comments=COMMENTS, end="\r\n"):

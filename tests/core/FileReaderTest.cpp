@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <random>
 
-#include "core/FileTestSupport.h"
+#include "support/CoreSupport.h"
 
 namespace vkl {
 namespace {

@@ -9,18 +9,12 @@
 #include "platform/Int16.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
+#include "support/CoreSupport.h"
 
 namespace vkl {
 namespace {
 
-int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
+using test::errorOf;
 
 TEST(Grid, RowsGrowAndCutAndAccessOutsideRaises) {
     Grid g;

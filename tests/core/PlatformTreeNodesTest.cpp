@@ -8,18 +8,12 @@
 
 #include "platform/RuntimeError.h"
 #include "platform/TreeNodes.h"
+#include "support/CoreSupport.h"
 
 namespace vkl {
 namespace {
 
-int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
+using test::errorOf;
 
 std::vector<std::string> keysInIndexOrder(const TreeNodes& t) {
     std::vector<std::string> keys;

@@ -7,7 +7,7 @@
 
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
-#include "gui/WindowFixture.h"
+#include "support/WindowFixture.h"
 
 using vkl::test::ScriptedHost;
 using window_test::Window;
@@ -24,9 +24,11 @@ QImage nodePicture(const char* key) {
 
 }  // namespace
 
-class WindowTableTest : public QObject {
+class WindowTableTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
+    void init() { QVERIFY(start()); }
+    void cleanup() { window_.reset(); }
     void typedTitleReachesCellAndNodeLabel();
     void bitmapColumnTakesFourKeysInUpperCase();
     void pickersAndActionCodesFillTheirCells();
@@ -34,9 +36,7 @@ class WindowTableTest : public QObject {
 };
 
 void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     for (int i = 0; i < 40; ++i) {
         QVERIFY(w.clickTool("lineadd"));
     }
@@ -100,8 +100,7 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
 }
 
 void WindowTableTest::bitmapColumnTakesFourKeysInUpperCase() {
-    Window w;
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QTableView* table = w.table();
     auto* text1 = w.child<QLineEdit>("Text1");
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, w.cellCentre(1, 2));
@@ -120,8 +119,7 @@ void WindowTableTest::bitmapColumnTakesFourKeysInUpperCase() {
 }
 
 void WindowTableTest::pickersAndActionCodesFillTheirCells() {
-    Window w;
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QTableView* table = w.table();
     QWidget* viewport = table->viewport();
 
