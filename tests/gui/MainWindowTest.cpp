@@ -132,6 +132,7 @@ void MainWindowTest::toolbarHasItsNineEntries() {
         }
         QCOMPARE(a->data().toString(), keys.at(i));
         QCOMPARE(a->toolTip(), tips.at(i));
+        QCOMPARE(a->statusTip(), i == 6 ? QStringLiteral("fdsfd") : tips.at(i));
         if (keys.at(i) != QLatin1String("vklname")) {
             QVERIFY2(!a->icon().isNull(), qPrintable(keys.at(i)));
             const QImage picture = a->icon().pixmap(16, 16).toImage();
@@ -139,7 +140,8 @@ void MainWindowTest::toolbarHasItsNineEntries() {
             pictures << picture;
         }
     }
-    // The placeholder keeps 14040 twips of room on the toolbar.
+    // Buttons 420 twips high; the placeholder keeps 14040 twips of room on the toolbar.
+    QCOMPARE(bar->iconSize().height(), qRound(420 * e.window.logicalDpiY() / 1440.0) - 8);
     QWidget* room = bar->widgetForAction(actions.at(6));
     QVERIFY(room);
     QCOMPARE(room->width(), qRound(14040 * e.window.logicalDpiX() / 1440.0));
