@@ -30,7 +30,6 @@ class WindowTableTest : public QObject, window_test::WindowCase {
     void init() { QVERIFY(start()); }
     void cleanup() { window_.reset(); }
     void typedTitleReachesCellAndNodeLabel();
-    void bitmapColumnTakesFourKeysInUpperCase();
     void pickersAndActionCodesFillTheirCells();
     void menuMadeFromNothingIsMarkedDeletedAndSaved();
 };
@@ -97,25 +96,6 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     QCOMPARE(w.cellText(5, 4), QStringLiteral("Z"));
     QCOMPARE(w.node("Child5").data().toString(), QStringLiteral("KEY SLOT"));
     QCOMPARE(w.host.endCount, 0);
-}
-
-void WindowTableTest::bitmapColumnTakesFourKeysInUpperCase() {
-    Window& w = *window_;
-    QTableView* table = w.table();
-    auto* text1 = w.child<QLineEdit>("Text1");
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, w.cellCentre(1, 2));
-    QTest::keyClick(table, Qt::Key_A);
-    QTest::keyClicks(text1, "bcd");
-    QCOMPARE(text1->text(), QStringLiteral("ABCD"));
-    QVERIFY(text1->isVisible());
-    QTest::keyClicks(text1, "ef");
-    // The fifth key after the first is swallowed and the edit moves on to the action column.
-    QVERIFY(!text1->isVisible());
-    QCOMPARE(w.cellText(1, 2), QStringLiteral("ABCDE"));
-    QCOMPARE(table->currentIndex(), w.cell(1, 3));
-    // Leaving the bitmap column names the line's node after what was typed there.
-    QCOMPARE(w.node("Child1").data().toString(), QStringLiteral("ABCDE"));
-    QCOMPARE(w.cellText(1, 1), QStringLiteral("Through hole"));
 }
 
 void WindowTableTest::pickersAndActionCodesFillTheirCells() {
