@@ -69,6 +69,10 @@ def run(*args, cwd=None):
     return p.returncode, out, err
 
 
+def expect_findings(name, expected, what):
+    expect_eq(run(name)[1].splitlines(), expected, what)
+
+
 def run_json(*args):
     code, out, err = run("--json", *args)
     try:
@@ -151,16 +155,14 @@ def group_findings():
     write("short.vkl", [], comments=["# c"], header=[
         "lib", "About|x|y|z", "Menu|a.bmp|F|f", "Short|cut|x", "p5", "T|t.bmp|F|t",
         "Sub|s.bmp|S|Sub", "Five|a|b|c|d"])
-    _, out, _ = run("short.vkl")
-    expect_eq(out.splitlines(), [
+    expect_findings("short.vkl", [
         "short.vkl:4: header position 3 looks like a menu line: Menu|a.bmp|F|f",
         "short.vkl:8: header position 7 looks like a menu line: Sub|s.bmp|S|Sub",
         "short.vkl:9: the file ends inside the header: Five|a|b|c|d",
         "short.vkl: 0 rows, 0 submenus, 0 SHORTCUT pairs, 0 skipped lines",
     ], "header findings")
     write("pos12.vkl", ["A|a.bmp|F|f"], header=HEADER[:11] + ["X|x.bmp|F|x"])
-    _, out, _ = run("pos12.vkl")
-    expect_eq(out.splitlines(), [
+    expect_findings("pos12.vkl", [
         "pos12.vkl:14: header position 12 looks like a menu line: X|x.bmp|F|x",
         "pos12.vkl: 1 row, 0 submenus, 0 SHORTCUT pairs, 0 skipped lines",
     ], "the twelfth header line is swallowed too")
@@ -176,8 +178,7 @@ def group_findings():
     head = "\n".join(HEADER).encode() + b"\n"
     write_bytes("lines.vkl", head + b"ok|a|F|f\rbad \xe4|x\r\nA|b|F|f\n\x01bad\x00|F\n"
                 b"|x|F\n |x| |y\nT|x| | \nT|x|F|\n")
-    _, out, _ = run("lines.vkl")
-    expect_eq(out.splitlines(), [
+    expect_findings("lines.vkl", [
         "lines.vkl:14: wrong number of fields: bad \u00e4|x",
         "lines.vkl:16: wrong number of fields: \\x01bad\\x00|F",
         "lines.vkl:17: wrong number of fields: |x|F",

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 
 #include "gui/Icons.h"
+#include "menufile/Format.h"
 #include "support/WindowFixture.h"
 
 using vkl::Answer;
@@ -181,21 +182,12 @@ void WindowFilesTest::saveWritesTheMenuAndItReadsBack() {
     QCOMPARE(w.host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
     QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(out));
 
-    const QByteArray expected = window_test::crlfLines({
-        "# Created by VKL Editor",
-        "# Submenus are automatically distinguished by spaces",
-        "# Actions :",
-        "#",
-        "# S   ... calls a submenu",
-        "# D   ... calls a dialog,",
-        "# F   ... calls a function",
-        "# P   ... calls an external program,",
-        "# LOS ... loads a pkg file from operating system,",
-        "# LWM ... loads a pkg file from WM",
-        "# LMM ... loads a pkg file from MM",
-        "#",
-        "# Please do not use prefix 'SC_' for your own pkg files !",
-        "#",
+    // The fixed comment lines, then the menu as the window holds it.
+    QByteArray expected;
+    for (std::string_view comment : vkl::format::kCommentLines) {
+        expected += QByteArray(comment.data(), static_cast<qsizetype>(comment.size())) + "\r\n";
+    }
+    expected += window_test::crlfLines({
         "1124165 # this is a unique library name - not visible for user",
         "Drilling tools # 1. text in the [About] box # 1. text in the [About] box",
         "Powered by Loomvault  # 2.text",
