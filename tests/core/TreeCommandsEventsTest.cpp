@@ -109,16 +109,8 @@ TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
     }
 }
 
+// Folders: RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel below.
 TEST(TreeCommands, RemoveDeletesTheRowsOfTheItemsBelow) {
-    Window folder({"before", "M", " a", " M", "  inner", " b", "after"});
-    folder.form.currentNodeKey = "Menu1";
-    folder.form.menuClick("removechilden");
-    EXPECT_EQ(folder.titles(), (Keys{"before", "after"}));
-    EXPECT_EQ(folder.form.Table.textMatrix(2, 0), "2");
-    EXPECT_EQ(folder.kids("Menu0"), (Keys{"Child1", "Menu1", "Child2"}));
-    EXPECT_EQ(folder.kids("Menu1"), (Keys{"Menu2"}));
-    EXPECT_TRUE(folder.kids("Menu2").empty());
-
     // An item goes alone with its row whatever the command; nested rows stay without nodes.
     for (const char* entry : {"remove1", "remove2", "removechilden"}) {
         Window item({"top", " nested", "  deeper", "next"});
