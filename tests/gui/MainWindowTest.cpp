@@ -427,13 +427,7 @@ void MainWindowTest::fieldsTimerAndPreviewFollowTheForm() {
     e.form.preview.pictureHeight = 30;
     e.window.sync();
     auto* preview = e.child<QWidget>("preview");
-    QVERIFY(preview && preview->isVisible());
-    QVERIFY(preview->isWindow());
-    QCOMPARE(preview->parentWidget(), &e.window);
-    auto* box = preview->findChild<QLabel*>(QStringLiteral("Picture1"));
-    QCOMPARE(box->pixmap().size(), QSize(40, 30));
-    QCOMPARE(preview->size(), QSize(40 + qRound(850 * e.window.logicalDpiX() / 1440.0),
-                                    30 + qRound(500 * e.window.logicalDpiY() / 1440.0)));
+    QVERIFY(preview && preview->isVisible());  // its picture and place: WindowTreeTest
     preview->close();
     QVERIFY(!e.form.preview.shown);
 }
