@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "app/Form1.h"
-#include "core/FileTestSupport.h"
 #include "platform/NodeKeys.h"
 #include "platform/Text.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 
 namespace vkl {

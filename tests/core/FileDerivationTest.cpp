@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/FileTestSupport.h"
+#include "support/CoreSupport.h"
 #include "tree/Derivation.h"
 
 namespace vkl {

@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "app/Form1.h"
-#include "core/FileTestSupport.h"
 #include "menufile/Format.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 
 namespace vkl {

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <random>
 
-#include "core/FileTestSupport.h"
+#include "support/CoreSupport.h"
 
 namespace vkl {
 namespace {
@@ -97,22 +97,6 @@ TEST(FileReader, ItemLinesFillTheSevenColumns) {
         EXPECT_EQ(m.grid.backColorAt(r, 0), kNormalColor) << r;
     }
     EXPECT_EQ(m.grid.row(), 0);
-}
-
-TEST(FileReader, InvalidBodyLinesAreDroppedWithTheirReasons) {
-    Model m;
-    Recorder rec;
-    m.read(menuFile({"Three|a.bmp|F", "Five|a|F|p|q", " |a.bmp|F|p", "T|a.bmp|  |p", "T|a|F| ",
-                     "|||", "", "  # comment", "Kept||F|p"}),
-           1, &rec);
-    EXPECT_EQ(rec.events.substr(rec.events.find("end@13:\n") + 8),
-              "wrong number of fields@14:Three|a.bmp|F\n"
-              "wrong number of fields@15:Five|a|F|p|q\n"
-              "empty title@16: |a.bmp|F|p\n"
-              "empty action@17:T|a.bmp|  |p\n"
-              "empty parameter@18:T|a|F| \n"
-              "empty title@19:|||\n");
-    EXPECT_EQ(m.shape(), "Menu0{Child1}");
 }
 
 TEST(FileReader, TableIsCutToTheAppendStartRowFirst) {

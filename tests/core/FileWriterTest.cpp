@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "core/FileTestSupport.h"
 #include "menufile/Format.h"
 #include "menufile/Writer.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 
 namespace vkl {

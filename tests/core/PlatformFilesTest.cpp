@@ -11,8 +11,8 @@
 #include <unistd.h>
 #include <csignal>
 
-#include "core/FileTestSupport.h"
 #include "platform/Files.h"
+#include "support/CoreSupport.h"
 
 namespace vkl {
 namespace {

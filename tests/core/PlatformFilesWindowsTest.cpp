@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "core/FileTestSupport.h"
 #include "platform/Files.h"
+#include "support/CoreSupport.h"
 
 namespace vkl {
 namespace {

@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "gui/Icons.h"
-#include "gui/WindowFixture.h"
 #include "platform/Text.h"
+#include "support/WindowFixture.h"
 
 using vkl::Answer;
 using vkl::test::ScriptedHost;
@@ -160,16 +160,6 @@ CliRun runCheck(const QStringList& arguments) {
 }
 
 // ---- What the window shows ---------------------------------------------------------------
-
-QString shownHeaderField(Window& w, const char* name) {
-    if (auto* edit = w.child<QLineEdit>(name)) {
-        return edit->text();
-    }
-    if (auto* combo = w.child<QComboBox>(name)) {
-        return combo->currentText();
-    }
-    return QStringLiteral("<no control %1>").arg(QLatin1String(name));
-}
 
 QString utf8(const std::string& cp1252) {
     return QString::fromStdString(vkl::text::cp1252ToUtf8(cp1252));
@@ -328,7 +318,7 @@ void CliAgreementTest::jsonAgreesWithTheWindow() {
     const QJsonObject header = json[QLatin1String("header")].toObject();
     for (const char* name : {"Text2", "Text3", "Combo2", "Combo3", "Datadir", "Imagedir"}) {
         differ(QStringLiteral("header %1").arg(QLatin1String(name)),
-               header[QLatin1String(name)].toString(), shownHeaderField(w, name));
+               header[QLatin1String(name)].toString(), window_test::shownText(w.window, name));
     }
 
     // Every column of the grid, the two hidden ones with the bitmap and parameter as written

@@ -22,12 +22,14 @@
 #include "gui/TreeModel.h"
 #include "platform/RuntimeError.h"
 #include "support/ScriptedHost.h"
+#include "support/WindowFixture.h"
 
 using vkl::Answer;
 using vkl::Buttons;
 using vkl::NodeRef;
 using vkl::TreeNodes;
 using vkl::test::ScriptedHost;
+using window_test::Window;
 
 namespace {
 
@@ -39,48 +41,7 @@ class FailingBrowserHost : public ScriptedHost {
     }
 };
 
-template <typename HostType = ScriptedHost>
-struct Editor {
-    HostType host;
-    vkl::Form1 form;
-    vkl::gui::MainWindow window;
-
-    explicit Editor(int16_t language = 1) : form(host, "/opt/brindle", language), window(form) {
-        window.load();
-        window.resize(1400, 800);
-        window.show();
-    }
-
-    template <typename W>
-    W* child(const char* name) {
-        return window.findChild<W*>(QString::fromLatin1(name));
-    }
-    QTableView* table() { return child<QTableView>("Table"); }
-    QTreeView* tree() { return child<QTreeView>("Treeview"); }
-    vkl::gui::TreeModel* treeModel() { return static_cast<vkl::gui::TreeModel*>(tree()->model()); }
-    QModelIndex cell(int gridRow, int col) { return table()->model()->index(gridRow - 1, col); }
-    QPoint cellCentre(int gridRow, int col) {
-        return table()->visualRect(cell(gridRow, col)).center();
-    }
-};
-
-// Whatever a named control shows: a caption, a label, a field's text or a menu entry.
-QString shown(QWidget& window, const char* name) {
-    const QString n = QString::fromLatin1(name);
-    if (auto* a = window.findChild<QAction*>(n)) {
-        return a->text();
-    }
-    if (auto* b = window.findChild<QAbstractButton*>(n)) {
-        return b->text();
-    }
-    if (auto* l = window.findChild<QLabel*>(n)) {
-        return l->text();
-    }
-    if (auto* e = window.findChild<QLineEdit*>(n)) {
-        return e->text();
-    }
-    return QStringLiteral("<no control %1>").arg(n);
-}
+using window_test::shownText;
 
 struct Caption {
     const char* control;
@@ -113,7 +74,7 @@ const Caption kCaptions[] = {
 
 void expectLanguage(QWidget& window, QAbstractItemModel& grid, bool german) {
     for (const Caption& c : kCaptions) {
-        QCOMPARE(shown(window, c.control), QString::fromLatin1(german ? c.german : c.english));
+        QCOMPARE(shownText(window, c.control), QString::fromLatin1(german ? c.german : c.english));
     }
     const QStringList headers =
         german ? QStringList{"Nr", "Menu Titel", "Bild Datei", "A", "Aktions Parameter"}
@@ -123,21 +84,13 @@ void expectLanguage(QWidget& window, QAbstractItemModel& grid, bool german) {
     }
 }
 
-void clickTool(QToolBar* bar, const char* key) {
-    for (QAction* a : bar->actions()) {
-        if (a->data().toString() == QLatin1String(key)) {
-            QTest::mouseClick(bar->widgetForAction(a), Qt::LeftButton);
-            return;
-        }
-    }
-    QFAIL(qPrintable(QStringLiteral("no toolbar button %1").arg(QLatin1String(key))));
-}
-
 }  // namespace
 
-class MainWindowTest : public QObject {
+class MainWindowTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
+    void init() { QVERIFY(start(false)); }
+    void cleanup() { window_.reset(); }
     void toolbarHasItsNineEntries();
     void layoutKeepsFieldsAboveAndTreeBeside();
     void captionsFollowTheLanguage();
@@ -153,7 +106,7 @@ class MainWindowTest : public QObject {
 };
 
 void MainWindowTest::toolbarHasItsNineEntries() {
-    Editor e;
+    Window& e = *window_;
     QToolBar* bar = e.child<QToolBar>("Toolbar1");
     QVERIFY(bar);
     QCOMPARE(e.window.toolBarArea(bar), Qt::TopToolBarArea);
@@ -179,6 +132,7 @@ void MainWindowTest::toolbarHasItsNineEntries() {
         }
         QCOMPARE(a->data().toString(), keys.at(i));
         QCOMPARE(a->toolTip(), tips.at(i));
+        QCOMPARE(a->statusTip(), i == 6 ? QStringLiteral("fdsfd") : tips.at(i));
         if (keys.at(i) != QLatin1String("vklname")) {
             QVERIFY2(!a->icon().isNull(), qPrintable(keys.at(i)));
             const QImage picture = a->icon().pixmap(16, 16).toImage();
@@ -186,7 +140,8 @@ void MainWindowTest::toolbarHasItsNineEntries() {
             pictures << picture;
         }
     }
-    // The placeholder keeps 14040 twips of room on the toolbar.
+    // Buttons 420 twips high; the placeholder keeps 14040 twips of room on the toolbar.
+    QCOMPARE(bar->iconSize().height(), qRound(420 * e.window.logicalDpiY() / 1440.0) - 8);
     QWidget* room = bar->widgetForAction(actions.at(6));
     QVERIFY(room);
     QCOMPARE(room->width(), qRound(14040 * e.window.logicalDpiX() / 1440.0));
@@ -194,8 +149,7 @@ void MainWindowTest::toolbarHasItsNineEntries() {
 }
 
 void MainWindowTest::layoutKeepsFieldsAboveAndTreeBeside() {
-    Editor e;
-    QVERIFY(QTest::qWaitForWindowExposed(&e.window));
+    Window& e = *window_;
     const auto box = [&](const char* name) {
         auto* w = e.child<QWidget>(name);
         return w ? QRect(w->mapTo(&e.window, QPoint(0, 0)), w->size()) : QRect();
@@ -224,23 +178,22 @@ void MainWindowTest::layoutKeepsFieldsAboveAndTreeBeside() {
 }
 
 void MainWindowTest::captionsFollowTheLanguage() {
-    Editor e(1);
+    Window& e = *window_;
     expectLanguage(e.window, *e.table()->model(), false);
-    QToolBar* bar = e.child<QToolBar>("Toolbar1");
-    clickTool(bar, "useger");
+    QVERIFY(e.clickTool("useger"));
     expectLanguage(e.window, *e.table()->model(), true);
-    clickTool(bar, "useeng");
+    QVERIFY(e.clickTool("useeng"));
     expectLanguage(e.window, *e.table()->model(), false);
 
-    Editor de(2);
+    Window de(2);
     expectLanguage(de.window, *de.table()->model(), true);
     // Any other code shows English captions.
-    Editor other(3);
+    Window other(3);
     expectLanguage(other.window, *other.table()->model(), false);
 }
 
 void MainWindowTest::gridShowsFiveSizedColumns() {
-    Editor e;
+    Window& e = *window_;
     QTableView* table = e.table();
     QVERIFY(!table->verticalHeader()->isVisible());
     const QFontMetrics metrics(table->font());
@@ -266,15 +219,10 @@ void MainWindowTest::gridShowsFiveSizedColumns() {
 }
 
 void MainWindowTest::quitAsksFirstAndTheFrameDoesNot() {
-    Editor e;
+    Window& e = *window_;
     e.host.answers = {Answer::No};
     QTest::mouseClick(e.child<QAbstractButton>("Quit"), Qt::LeftButton);
-    QCOMPARE(e.host.messages.size(), size_t{1});
-    const vkl::MessageBox& asked = e.host.messages.front();
-    QCOMPARE(asked.buttons, Buttons::YesNo);
-    QVERIFY(asked.questionIcon);
-    QVERIFY(asked.defaultNo);
-    QCOMPARE(asked.title.value_or(""), std::string("Confirm Quit"));
+    QCOMPARE(e.host.messages.size(), size_t{1});  // the question itself: AppForm1Quit
     QCOMPARE(e.host.endCount, 0);
     QVERIFY(e.window.isVisible());
 
@@ -283,14 +231,14 @@ void MainWindowTest::quitAsksFirstAndTheFrameDoesNot() {
     QCOMPARE(e.host.messages.size(), size_t{2});
     QCOMPARE(e.host.endCount, 1);
 
-    Editor framed;
+    Window framed;
     framed.window.close();
     QCOMPARE(framed.host.endCount, 1);
     QVERIFY(framed.host.messages.empty());
 }
 
 void MainWindowTest::runtimeErrorEndsTheProgram() {
-    Editor e;
+    Window& e = *window_;
     QVERIFY(!e.window.run([] { throw vkl::RuntimeError::overflow(); }));
     QCOMPARE(e.host.endCount, 1);
     QCOMPARE(e.host.messages.size(), size_t{1});
@@ -303,7 +251,7 @@ void MainWindowTest::runtimeErrorEndsTheProgram() {
     QVERIFY(!ran);
 
     // The same through a real control: the folder button's handler meets a failing browser.
-    Editor<FailingBrowserHost> f;
+    window_test::BasicWindow<FailingBrowserHost> f;
     QTest::mouseClick(f.child<QAbstractButton>("ask_datadir"), Qt::LeftButton);
     QCOMPARE(f.host.messages.size(), size_t{1});
     QCOMPARE(f.host.messages.back().prompt, std::string("Run-time error '76':\n\nPath not found"));
@@ -311,7 +259,7 @@ void MainWindowTest::runtimeErrorEndsTheProgram() {
 }
 
 void MainWindowTest::editorsLieOverTheirCell() {
-    Editor e;
+    Window& e = *window_;
     e.form.Table.setRows(60);
     e.window.sync();
     auto* text1 = e.child<QLineEdit>("Text1");
@@ -355,7 +303,7 @@ void MainWindowTest::editorsLieOverTheirCell() {
 }
 
 void MainWindowTest::typingEditsTheCurrentCell() {
-    Editor e;
+    Window& e = *window_;
     e.form.Table.setRows(5);
     e.form.Table.setTextMatrix(3, 4, "param");
     e.window.sync();
@@ -406,7 +354,7 @@ void MainWindowTest::typingEditsTheCurrentCell() {
 }
 
 void MainWindowTest::controlDroppedOnALineReachesThatLine() {
-    Editor e;
+    Window& e = *window_;
     e.form.Table.setRows(6);
     e.form.holeType = 4;
     e.window.sync();
@@ -434,7 +382,7 @@ void MainWindowTest::controlDroppedOnALineReachesThatLine() {
 }
 
 void MainWindowTest::fieldsTimerAndPreviewFollowTheForm() {
-    Editor e;
+    Window& e = *window_;
     e.form.Datadir.text = "C:\\data";
     e.form.decfilename = "/tmp/menus/main.vkl";
     e.form.Timer1.enabled = true;
@@ -443,7 +391,7 @@ void MainWindowTest::fieldsTimerAndPreviewFollowTheForm() {
     auto* datadir = e.child<QLineEdit>("Datadir");
     QCOMPARE(datadir->text(), QStringLiteral("C:\\data"));
     QVERIFY(!datadir->isEnabled());
-    QCOMPARE(shown(e.window, "decfilename"), QStringLiteral("/tmp/menus/main.vkl"));
+    QCOMPARE(shownText(e.window, "decfilename"), QStringLiteral("/tmp/menus/main.vkl"));
     auto* timer = e.window.findChild<QTimer*>(QStringLiteral("Timer1"));
     QVERIFY(timer->isActive());
     QCOMPARE(timer->interval(), 100);
@@ -479,19 +427,13 @@ void MainWindowTest::fieldsTimerAndPreviewFollowTheForm() {
     e.form.preview.pictureHeight = 30;
     e.window.sync();
     auto* preview = e.child<QWidget>("preview");
-    QVERIFY(preview && preview->isVisible());
-    QVERIFY(preview->isWindow());
-    QCOMPARE(preview->parentWidget(), &e.window);
-    auto* box = preview->findChild<QLabel*>(QStringLiteral("Picture1"));
-    QCOMPARE(box->pixmap().size(), QSize(40, 30));
-    QCOMPARE(preview->size(), QSize(40 + qRound(850 * e.window.logicalDpiX() / 1440.0),
-                                    30 + qRound(500 * e.window.logicalDpiY() / 1440.0)));
+    QVERIFY(preview && preview->isVisible());  // its picture and place: WindowTreeTest
     preview->close();
     QVERIFY(!e.form.preview.shown);
 }
 
 void MainWindowTest::treeFollowsTheFormBothWays() {
-    Editor e;
+    Window& e = *window_;
     TreeNodes& nodes = e.form.Treeview;
     const NodeRef root = nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
     const NodeRef folder = nodes.add(root, TreeNodes::kChild, "Menu1", "SUB", "folderclosed");
@@ -526,7 +468,6 @@ void MainWindowTest::treeFollowsTheFormBothWays() {
     QVERIFY(!model->indexOf(one).data(Qt::BackgroundRole).isValid());
 
     // The pixel operations the tree logic asks for, in twips.
-    QVERIFY(QTest::qWaitForWindowExposed(&e.window));
     vkl::TreeViewPort* port = e.form.treePort;
     QVERIFY(port);
     const QPoint centre = tree->visualRect(model->indexOf(one)).center();
@@ -549,7 +490,7 @@ void MainWindowTest::treeFollowsTheFormBothWays() {
 }
 
 void MainWindowTest::treePressesReachTheForm() {
-    Editor e;
+    Window& e = *window_;
     TreeNodes& nodes = e.form.Treeview;
     const NodeRef root = nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
     const NodeRef folder = nodes.add(root, TreeNodes::kChild, "Menu1", "SUB", "folderclosed");
@@ -557,7 +498,6 @@ void MainWindowTest::treePressesReachTheForm() {
     e.form.Table.setRows(3);
     nodes.setExpanded(root, true);
     e.window.sync();
-    QVERIFY(QTest::qWaitForWindowExposed(&e.window));
     QTreeView* tree = e.tree();
     vkl::gui::TreeModel* model = e.treeModel();
     const auto at = [&](NodeRef n) { return tree->visualRect(model->indexOf(n)).center(); };

@@ -11,10 +11,10 @@
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
 #include "gui/TreeModel.h"
-#include "gui/WindowFixture.h"
 #include "platform/Colors.h"
 #include "platform/RuntimeError.h"
 #include "support/ScriptedHost.h"
+#include "support/WindowFixture.h"
 
 using vkl::Grid;
 using vkl::NodeRef;

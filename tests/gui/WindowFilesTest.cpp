@@ -5,11 +5,13 @@
 #include <QLineEdit>
 
 #include "gui/Icons.h"
-#include "gui/WindowFixture.h"
+#include "menufile/Format.h"
+#include "support/WindowFixture.h"
 
 using vkl::Answer;
 using vkl::Buttons;
 using vkl::test::ScriptedHost;
+using window_test::shownText;
 using window_test::Window;
 
 namespace {
@@ -52,19 +54,6 @@ QStringList rowTexts(Window& w, int gridRow) {
     return texts;
 }
 
-QString shownText(Window& w, const char* name) {
-    if (auto* edit = w.child<QLineEdit>(name)) {
-        return edit->text();
-    }
-    if (auto* combo = w.child<QComboBox>(name)) {
-        return combo->currentText();
-    }
-    if (auto* label = w.child<QLabel>(name)) {
-        return label->text();
-    }
-    return QStringLiteral("<no control %1>").arg(QLatin1String(name));
-}
-
 const QStringList kToolsTree{
     QStringLiteral("Top Menu root +"),
     QStringLiteral("  Holes folderclosed +"),
@@ -82,9 +71,11 @@ const QStringList kToolsTree{
 
 }  // namespace
 
-class WindowFilesTest : public QObject {
+class WindowFilesTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
+    void init() { QVERIFY(start()); }
+    void cleanup() { window_.reset(); }
     void openShowsTheRowsTheTreeAndTheHeader();
     void secondOpenAppendsOrOverwrites();
     void saveWritesTheMenuAndItReadsBack();
@@ -92,9 +83,7 @@ class WindowFilesTest : public QObject {
 };
 
 void WindowFilesTest::openShowsTheRowsTheTreeAndTheHeader() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QCOMPARE(w.host.endCount, 0);
     QVERIFY(w.host.messages.empty());  // an empty table is overwritten without a question
     QCOMPARE(w.host.openRequests.size(), size_t{1});
@@ -102,12 +91,13 @@ void WindowFilesTest::openShowsTheRowsTheTreeAndTheHeader() {
              std::string("All Files (*.*)|*.*|VKL Files (*.vkl)|*.vkl"));
     QCOMPARE(w.host.openRequests[0].filterIndex, 2);
 
-    QCOMPARE(shownText(w, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
-    QCOMPARE(shownText(w, "Text2"), QStringLiteral("Drill menu"));
-    QCOMPARE(shownText(w, "Text3"), QStringLiteral("Drilling tools # 1. text in the [About] box"));
-    QCOMPARE(shownText(w, "Combo2"), QStringLiteral("60"));
-    QCOMPARE(shownText(w, "Combo3"), QStringLiteral("70"));
-    QCOMPARE(shownText(w, "Datadir"), QStringLiteral("C:\\data"));
+    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
+    QCOMPARE(shownText(w.window, "Text2"), QStringLiteral("Drill menu"));
+    QCOMPARE(shownText(w.window, "Text3"),
+             QStringLiteral("Drilling tools # 1. text in the [About] box"));
+    QCOMPARE(shownText(w.window, "Combo2"), QStringLiteral("60"));
+    QCOMPARE(shownText(w.window, "Combo3"), QStringLiteral("70"));
+    QCOMPARE(shownText(w.window, "Datadir"), QStringLiteral("C:\\data"));
     QVERIFY(!w.child<QLineEdit>("Datadir")->isEnabled());
 
     // One grid line per item line, in file order; the broken line is gone.
@@ -142,8 +132,7 @@ void WindowFilesTest::openShowsTheRowsTheTreeAndTheHeader() {
 }
 
 void WindowFilesTest::secondOpenAppendsOrOverwrites() {
-    Window w;
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QCOMPARE(w.table()->model()->rowCount(), 7);
 
     // Yes appends: the last line with text gives way to the first line read, new folders get
@@ -180,8 +169,7 @@ void WindowFilesTest::secondOpenAppendsOrOverwrites() {
 }
 
 void WindowFilesTest::saveWritesTheMenuAndItReadsBack() {
-    Window w;
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     const std::string out = w.path("saved.vkl");
     w.host.saveAnswers.push_back(ScriptedHost::pick(out));
     QVERIFY(w.clickTool("save"));
@@ -192,23 +180,14 @@ void WindowFilesTest::saveWritesTheMenuAndItReadsBack() {
     // The empty submenu is reported and left out.
     QCOMPARE(w.host.messages.size(), size_t{1});
     QCOMPARE(w.host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
-    QCOMPARE(shownText(w, "decfilename"), QString::fromStdString(out));
+    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(out));
 
-    const QByteArray expected = window_test::crlfLines({
-        "# Created by VKL Editor",
-        "# Submenus are automatically distinguished by spaces",
-        "# Actions :",
-        "#",
-        "# S   ... calls a submenu",
-        "# D   ... calls a dialog,",
-        "# F   ... calls a function",
-        "# P   ... calls an external program,",
-        "# LOS ... loads a pkg file from operating system,",
-        "# LWM ... loads a pkg file from WM",
-        "# LMM ... loads a pkg file from MM",
-        "#",
-        "# Please do not use prefix 'SC_' for your own pkg files !",
-        "#",
+    // The fixed comment lines, then the menu as the window holds it.
+    QByteArray expected;
+    for (std::string_view comment : vkl::format::kCommentLines) {
+        expected += QByteArray(comment.data(), static_cast<qsizetype>(comment.size())) + "\r\n";
+    }
+    expected += window_test::crlfLines({
         "1124165 # this is a unique library name - not visible for user",
         "Drilling tools # 1. text in the [About] box # 1. text in the [About] box",
         "Powered by Loomvault  # 2.text",
@@ -244,7 +223,7 @@ void WindowFilesTest::saveWritesTheMenuAndItReadsBack() {
     QCOMPARE(w.cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));
     QCOMPARE(w.cellText(2, 4), QStringLiteral("holes.pkg"));
     QCOMPARE(
-        shownText(w, "Text3"),
+        shownText(w.window, "Text3"),
         QStringLiteral("Drilling tools # 1. text in the [About] box # 1. text in the [About] box"));
     QCOMPARE(treeLines(w.tree()).size(), kToolsTree.size() - 1);  // without the empty submenu
 }
@@ -268,13 +247,13 @@ void WindowFilesTest::refusedAndCancelledCommandsChangeNothing() {
     QCOMPARE(w.host.openRequests.size(), size_t{2});
     QCOMPARE(w.table()->model()->rowCount(), 7);
     QCOMPARE(treeLines(w.tree()), kToolsTree);
-    QCOMPARE(shownText(w, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
+    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
 
     // A cancelled save writes nothing and keeps the file name shown.
     w.host.saveAnswers.push_back({});
     QVERIFY(w.clickTool("save"));
     QCOMPARE(w.host.saveRequests.size(), size_t{1});
-    QCOMPARE(shownText(w, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
+    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
     QCOMPARE(QDir(w.dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
     QCOMPARE(w.host.endCount, 0);
 }

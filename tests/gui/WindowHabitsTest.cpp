@@ -5,7 +5,7 @@
 #include <QLineEdit>
 #include <QScrollBar>
 
-#include "gui/WindowFixture.h"
+#include "support/WindowFixture.h"
 
 using window_test::Window;
 

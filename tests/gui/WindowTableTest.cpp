@@ -7,7 +7,7 @@
 
 #include "gui/GridModel.h"
 #include "gui/Icons.h"
-#include "gui/WindowFixture.h"
+#include "support/WindowFixture.h"
 
 using vkl::test::ScriptedHost;
 using window_test::Window;
@@ -24,19 +24,18 @@ QImage nodePicture(const char* key) {
 
 }  // namespace
 
-class WindowTableTest : public QObject {
+class WindowTableTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
+    void init() { QVERIFY(start()); }
+    void cleanup() { window_.reset(); }
     void typedTitleReachesCellAndNodeLabel();
-    void bitmapColumnTakesFourKeysInUpperCase();
     void pickersAndActionCodesFillTheirCells();
     void menuMadeFromNothingIsMarkedDeletedAndSaved();
 };
 
 void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     for (int i = 0; i < 40; ++i) {
         QVERIFY(w.clickTool("lineadd"));
     }
@@ -99,29 +98,8 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     QCOMPARE(w.host.endCount, 0);
 }
 
-void WindowTableTest::bitmapColumnTakesFourKeysInUpperCase() {
-    Window w;
-    QVERIFY(w.open(window_test::toolsMenu()));
-    QTableView* table = w.table();
-    auto* text1 = w.child<QLineEdit>("Text1");
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, w.cellCentre(1, 2));
-    QTest::keyClick(table, Qt::Key_A);
-    QTest::keyClicks(text1, "bcd");
-    QCOMPARE(text1->text(), QStringLiteral("ABCD"));
-    QVERIFY(text1->isVisible());
-    QTest::keyClicks(text1, "ef");
-    // The fifth key after the first is swallowed and the edit moves on to the action column.
-    QVERIFY(!text1->isVisible());
-    QCOMPARE(w.cellText(1, 2), QStringLiteral("ABCDE"));
-    QCOMPARE(table->currentIndex(), w.cell(1, 3));
-    // Leaving the bitmap column names the line's node after what was typed there.
-    QCOMPARE(w.node("Child1").data().toString(), QStringLiteral("ABCDE"));
-    QCOMPARE(w.cellText(1, 1), QStringLiteral("Through hole"));
-}
-
 void WindowTableTest::pickersAndActionCodesFillTheirCells() {
-    Window w;
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QTableView* table = w.table();
     QWidget* viewport = table->viewport();
 

@@ -10,7 +10,7 @@
 
 #include "gui/Icons.h"
 #include "gui/Views.h"
-#include "gui/WindowFixture.h"
+#include "support/WindowFixture.h"
 
 using vkl::test::ScriptedHost;
 using window_test::Window;
@@ -78,9 +78,11 @@ struct TreeDrag {
 
 }  // namespace
 
-class WindowTreeTest : public QObject {
+class WindowTreeTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
+    void init() { QVERIFY(start()); }
+    void cleanup() { window_.reset(); }
     void droppedNodeBecomesTheFoldersLastChild();
     void draggingNearTheEdgesScrollsByTheTimer();
     void labelEditsReachTheTitleCell();
@@ -89,9 +91,7 @@ class WindowTreeTest : public QObject {
 };
 
 void WindowTreeTest::droppedNodeBecomesTheFoldersLastChild() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QAbstractItemModel* model = w.tree()->model();
 
     // The drag carries the key of the node it started on.
@@ -140,9 +140,7 @@ void WindowTreeTest::droppedNodeBecomesTheFoldersLastChild() {
 }
 
 void WindowTreeTest::draggingNearTheEdgesScrollsByTheTimer() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     for (int i = 0; i < 80; ++i) {
         QVERIFY(w.clickTool("lineadd"));
     }
@@ -188,9 +186,7 @@ void WindowTreeTest::draggingNearTheEdgesScrollsByTheTimer() {
 }
 
 void WindowTreeTest::labelEditsReachTheTitleCell() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QTreeView* tree = w.tree();
 
     // Opens the label editor of a node, as the user does: a click selects the node; then a
@@ -247,9 +243,7 @@ void WindowTreeTest::labelEditsReachTheTitleCell() {
 }
 
 void WindowTreeTest::popupCommandsAndViewButtonsShowInTheTree() {
-    Window w;
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(w.open(window_test::toolsMenu()));
+    Window& w = *window_;
     QTreeView* tree = w.tree();
     QAbstractItemModel* model = tree->model();
     const auto rightClick = [&](const std::string& key, const char* entry) {

@@ -7,13 +7,11 @@
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 #include "app/Form1.h"
-#include "menufile/BitmapLookup.h"
 #include "platform/NodeKeys.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 #include "table/RowOps.h"
 
@@ -111,16 +109,8 @@ TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
     }
 }
 
+// Folders: RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel below.
 TEST(TreeCommands, RemoveDeletesTheRowsOfTheItemsBelow) {
-    Window folder({"before", "M", " a", " M", "  inner", " b", "after"});
-    folder.form.currentNodeKey = "Menu1";
-    folder.form.menuClick("removechilden");
-    EXPECT_EQ(folder.titles(), (Keys{"before", "after"}));
-    EXPECT_EQ(folder.form.Table.textMatrix(2, 0), "2");
-    EXPECT_EQ(folder.kids("Menu0"), (Keys{"Child1", "Menu1", "Child2"}));
-    EXPECT_EQ(folder.kids("Menu1"), (Keys{"Menu2"}));
-    EXPECT_TRUE(folder.kids("Menu2").empty());
-
     // An item goes alone with its row whatever the command; nested rows stay without nodes.
     for (const char* entry : {"remove1", "remove2", "removechilden"}) {
         Window item({"top", " nested", "  deeper", "next"});
@@ -421,28 +411,21 @@ TEST(TreeViews, ExpandCollapseAndMenusOnly) {
     EXPECT_TRUE(t.expanded(w.node("Menu4")));
 }
 
-// A folder of its own under the temporary folder, removed at the end.
-struct TempDir {
-    TempDir() : path(fs::temp_directory_path() / ("vkl_bmp_" + text::str(getpid()))) {
-        fs::create_directories(path / "Sub");
-    }
-    ~TempDir() { fs::remove_all(path); }
-    fs::path path;
-};
-
 // Whether two names stand for one file: on Windows the lowered name is that file already.
 bool sameFile(const std::string& a, const fs::path& b) {
     std::error_code ec;
     return fs::equivalent(fs::path(a), b, ec);
 }
 
-TEST(TreeBitmap, InstallDirPathIsLoweredAndFoundOnDiskWithoutRegardToCase) {
-    TempDir dir;
-    test::writeBmp((dir.path / "Sub" / "File.bmp").string(), 3, 2);
-    test::writeBmp((dir.path / "TWO.BMP").string(), 6, 7);
-    Window w({"M", "one", "two", "three"}, dir.path.string());
+TEST(TreeEvents, NodeClickShowsTheBitmapFoundOnDiskWithoutRegardToCase) {
+    test::TempDir temp;
+    const fs::path root = temp.file("b");
+    fs::create_directories(root / "Sub");
+    test::writeBmp((root / "Sub" / "File.bmp").string(), 3, 2);
+    test::writeBmp((root / "TWO.BMP").string(), 6, 7);
+    Window w({"M", "one", "two", "three"}, root.string());
     Form1& f = w.form;
-    const std::string install = text::replaceAll(dir.path.string(), "/", "\\");
+    const std::string install = text::replaceAll(root.string(), "/", "\\");
     const char* cells[][2] = {{"File", "[INSTALLDIR]/Sub/File.bmp"},
                               {"Gone", "[installdir]/Sub/Gone.bmp"},
                               {"", "[installdir]/two.bmp"}};
@@ -451,7 +434,7 @@ TEST(TreeBitmap, InstallDirPathIsLoweredAndFoundOnDiskWithoutRegardToCase) {
         f.Table.setTextMatrix(r, 5, cells[r - 1][1]);
     }
     f.treeviewNodeClick("Child1");
-    EXPECT_TRUE(sameFile(f.preview.picture, dir.path / "Sub" / "File.bmp")) << f.preview.picture;
+    EXPECT_TRUE(sameFile(f.preview.picture, root / "Sub" / "File.bmp")) << f.preview.picture;
     EXPECT_TRUE(f.preview.shown);
     EXPECT_EQ(f.preview.pictureWidth, 3);
 
@@ -460,34 +443,14 @@ TEST(TreeBitmap, InstallDirPathIsLoweredAndFoundOnDiskWithoutRegardToCase) {
     EXPECT_EQ(w.host.messages[0].prompt,
               "BMP File not found !\r\r\n'" + install + "\\sub\\gone.bmp'");
     EXPECT_FALSE(w.host.messages[0].title.has_value());
-    EXPECT_TRUE(sameFile(f.preview.picture, dir.path / "Sub" / "File.bmp")) << f.preview.picture;
+    EXPECT_TRUE(sameFile(f.preview.picture, root / "Sub" / "File.bmp")) << f.preview.picture;
 
     f.treeviewNodeClick("Child3");  // no bitmap name: nothing, whatever column 5 holds
     EXPECT_EQ(w.host.messages.size(), 1u);
     f.tree.submenuBitmaps = {"", "[installdir]/two.bmp"};
     f.treeviewNodeClick("Menu1");
-    EXPECT_TRUE(sameFile(f.preview.picture, dir.path / "TWO.BMP")) << f.preview.picture;
+    EXPECT_TRUE(sameFile(f.preview.picture, root / "TWO.BMP")) << f.preview.picture;
     EXPECT_EQ(f.preview.pictureHeight, 7);
-}
-
-TEST(TreeBitmap, ImageDirectoryAndShortcutsRewriteThePath) {
-    Window w({}, "C:/Brindle");
-    auto computed = [&](const std::string& written) {
-        const menufile::BitmapSources s{w.form.Imagedir.text, w.form.shortcuts, w.form.installDir};
-        return menufile::computeBitmapPath(w.host, s, written);
-    };
-    w.host.env = {"HOMEDIR=/Users/Some One", "OTHER=x", "homedir=/Later/Wins"};
-    w.form.Imagedir.text = "HomeDir/Pics";
-    EXPECT_EQ(computed("A.bmp"), "\\later\\wins\\pics\\a.bmp");
-    w.form.Imagedir.text = "[installdir]/Other";
-    EXPECT_EQ(computed("Icons/B.bmp"), "C:\\Brindle\\x\\icons\\b.bmp");
-
-    w.form.Imagedir.text.clear();
-    w.form.shortcuts.pairs = {{{"DATA", "d:/one"}, {"PICS", "p:/two"}}};
-    w.form.shortcuts.count = 2;
-    EXPECT_EQ(computed("Data\\pics\\x.bmp"), "data\\p:\\two\\x.bmp");
-    w.form.shortcuts.count = 1;
-    EXPECT_EQ(computed("Data\\pics\\x.bmp"), "d:\\one\\pics\\x.bmp");
 }
 
 }  // namespace

@@ -3,15 +3,20 @@
 // place for saved menus and bitmaps.
 #pragma once
 
+#include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QApplication>
+#include <QComboBox>
 #include <QFile>
+#include <QLabel>
+#include <QLineEdit>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QToolBar>
 #include <QTreeView>
 #include <QtTest>
 
+#include <memory>
 #include <string>
 
 #include "app/Form1.h"
@@ -50,13 +55,14 @@ inline void writeGroups(const std::string& path) {
     out.write(text);
 }
 
-struct Window {
-    vkl::test::ScriptedHost host;
+template <typename Host = vkl::test::ScriptedHost>
+struct BasicWindow {
+    Host host;
     QTemporaryDir dir;
     vkl::Form1 form;
     vkl::gui::MainWindow window;
 
-    explicit Window(int16_t language = 1)
+    explicit BasicWindow(int16_t language = 1)
         : form(host, dir.path().toStdString(), language), window(form) {
         host.temp = dir.path().toStdString() + "/";
         window.load();
@@ -105,6 +111,39 @@ struct Window {
         return clickTool("open");
     }
 };
+using Window = BasicWindow<>;
+
+// The common start of a window test case, for its init(): a window shown, with the tools menu
+// open unless the case wants it empty.
+struct WindowCase {
+    std::unique_ptr<Window> window_;
+    bool start(bool withTools = true) {
+        window_ = std::make_unique<Window>();
+        return QTest::qWaitForWindowExposed(&window_->window) &&
+               (!withTools || window_->open(toolsMenu()));
+    }
+};
+
+// Whatever a named control shows: a caption, a label, a field's text or a menu entry.
+inline QString shownText(QWidget& window, const char* name) {
+    const QString n = QString::fromLatin1(name);
+    if (auto* a = window.findChild<QAction*>(n)) {
+        return a->text();
+    }
+    if (auto* b = window.findChild<QAbstractButton*>(n)) {
+        return b->text();
+    }
+    if (auto* l = window.findChild<QLabel*>(n)) {
+        return l->text();
+    }
+    if (auto* e = window.findChild<QLineEdit*>(n)) {
+        return e->text();
+    }
+    if (auto* c = window.findChild<QComboBox*>(n)) {
+        return c->currentText();
+    }
+    return QStringLiteral("<no control %1>").arg(n);
+}
 
 inline QByteArray readAll(const std::string& file) {
     QFile f(QString::fromStdString(file));
