@@ -244,7 +244,6 @@ std::string textReport(const std::string& file, const Form1& form, const ReadLog
     const std::string& name = file;
     std::string out;
     for (const Finding& f : found) {
-        // Appended piece by piece: GCC 12 takes "literal + string" for an overlapping copy.
         out += name;
         if (f.line > 0) {
             out += ':';

@@ -205,8 +205,6 @@ class MenuWriter {
             }
             list += text::str(row);
         }
-        // Built by appending into one string: GCC 12 at -O3 reports a false overlap (-Wrestrict)
-        // for the chain of temporaries that operator+ makes here.
         MessageBox box;
         box.prompt.assign(english_ ? kSkippedRowsEn : kSkippedRowsDe).append("\r\r").append(list);
         host_.msgBox(box);
