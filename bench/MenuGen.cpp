@@ -6,6 +6,8 @@
 
 #include <unistd.h>
 
+#include "menufile/Format.h"
+
 namespace vkl::bench {
 
 namespace {
@@ -39,20 +41,19 @@ std::string generateMenu(const MenuShape& shape) {
     line(out, 1, "# Created by VKL Editor");
     line(out, 1, "# generated menu for the benchmarks");
     line(out, 1, "#");
-    const char* header[] = {"1124165 # this is a unique library name - not visible for user",
-                            "Generated tools # 1. text in the [About] box",
-                            "Powered by Loomvault  # 2.text",
-                            "www.loomvault.com",
-                            "All rights reserved",
-                            "Generated menu",
-                            "16",
-                            "16",
-                            "10",
-                            "10",
-                            "11",
-                            "11"};
-    for (const char* h : header) {
-        line(out, 1, h);
+    // The header as the writer lays it out.
+    line(out, 1, "1124165" + std::string(format::kLibraryNameSuffix));
+    line(out, 1, "Generated tools" + std::string(format::kAboutSuffix));
+    for (std::string_view fixed :
+         {format::kPoweredBy, format::kWebAddress, format::kRightsReserved}) {
+        line(out, 1, std::string(fixed));
+    }
+    line(out, 1, "Generated menu");
+    for (std::string_view size : {"16", "16"}) {
+        line(out, 1, std::string(size));
+    }
+    for (std::string_view fixed : format::kFixedTail) {
+        line(out, 1, std::string(fixed));
     }
     line(out, 1, "SHORTCUT|datadir|C:\\data");
 

@@ -17,6 +17,7 @@
 
 #include "menufile/Reader.h"
 #include "platform/RuntimeError.h"
+#include "platform/Text.h"
 
 namespace vkl::test {
 
@@ -53,14 +54,12 @@ inline std::string readBytes(const std::string& path) {
 
 // Splits written bytes at CR LF; a line end of any other kind fails the test.
 inline std::vector<std::string> crlfLines(const std::string& bytes) {
-    std::vector<std::string> lines;
-    for (size_t start = 0; start < bytes.size();) {
-        size_t end = bytes.find("\r\n", start);
-        EXPECT_NE(end, std::string::npos) << "last line has no CR LF";
-        end = std::min(end, bytes.size());
-        lines.push_back(bytes.substr(start, end - start));
-        EXPECT_EQ(lines.back().find_first_of("\r\n"), std::string::npos) << lines.back();
-        start = end + 2;
+    std::vector<std::string> lines = text::split(bytes, '\n');
+    EXPECT_EQ(lines.back(), "") << "last line has no CR LF";
+    lines.pop_back();
+    for (std::string& l : lines) {
+        EXPECT_TRUE(l.ends_with('\r') && l.find('\r') == l.size() - 1) << l;
+        l.erase(std::min(l.size(), l.find('\r')));
     }
     return lines;
 }
@@ -83,24 +82,12 @@ inline std::string crlf(const std::vector<std::string>& lines) {
     return s;
 }
 
-// A menu file: one comment line, the twelve header lines (lines 2 to 13), then the body from
-// line 14 on.
+// A menu file: one comment line, the twelve header lines (lines 2 to 13; the reader takes
+// About, title and the sizes from positions 2, 6, 7 and 8), then the body from line 14 on.
 inline std::string menuFile(const std::vector<std::string>& body) {
-    std::vector<std::string> lines{"# test menu",
-                                   "1124165 # library",
-                                   "About",
-                                   "Powered by Loomvault  # 2.text",
-                                   "www.example.com",
-                                   "All rights reserved",
-                                   "Title",
-                                   "16",
-                                   "16",
-                                   "10",
-                                   "10",
-                                   "11",
-                                   "11"};
-    lines.insert(lines.end(), body.begin(), body.end());
-    return crlf(lines);
+    return crlf({"# test menu", "lib", "About", "p3", "p4", "p5", "Title", "16", "16", "p9", "p10",
+                 "p11", "p12"}) +
+           crlf(body);
 }
 
 // The tree as "key{child child}", e.g. "Menu0{Menu1{Child1} Child2}".
