@@ -175,24 +175,6 @@ TEST_F(FileFlows, SaveChecksDerivesAFlatTreeAndWrites) {
     EXPECT_EQ(test::linesFrom(dir.file("typed.vkl")), "Typed||F|p1\n  Second||F|p2\n");
 }
 
-TEST_F(FileFlows, ExampleMenuSavedAgainReproducesItsLines) {
-    open(example);
-    form.Text3.text = "Drilling tools";
-    form.Text2.text = "Drill menu";
-    host.saveAnswers.push_back(ScriptedHost::pick(dir.file("saved.vkl")));
-    form.saveFlow();
-    EXPECT_EQ(test::linesFrom(dir.file("saved.vkl"), 14),
-              "1124165 # this is a unique library name - not visible for user\n"
-              "Drilling tools # 1. text in the [About] box\n"
-              "Powered by Loomvault  # 2.text\n" +
-                  std::string(format::kWebAddress) +
-                  "\nAll rights reserved\nDrill menu\n24\n24\n10\n10\n11\n11\n"
-                  "SHORTCUT|datadir|C:\\data\nSHORTCUT|C:\\data|C:\\data\n"
-                  "Holes|hole.bmp|S|Holes\n THROUGH HOLE|th.bmp|F|make_hole\n"
-                  " LIBRARY|lib.bmp|LOS|C:\\pkg\\holes.pkg\nABOUT|info.bmp|D|about_dialog\n");
-    EXPECT_TRUE(host.messages.empty());
-}
-
 // Looks at the text box while the folder browser is up.
 struct BrowsingHost : ScriptedHost {
     const TextBox* box = nullptr;

@@ -234,12 +234,6 @@ TEST(Text, NumbersConvertLikeTheRuntime) {
     EXPECT_EQ(add16(32766, 1), 32767);
 }
 
-}  // namespace
-}  // namespace vkl
-
-namespace vkl {
-namespace {
-
 TEST(Text, Windows1252RoundTripsThroughUtf8) {
     std::string all;
     for (int b = 1; b < 256; ++b) {

@@ -118,12 +118,6 @@ TEST(TreeNodes, ExpandedParentsAreTheUnfoldedNodesThatHaveChildren) {
     EXPECT_TRUE(t.expandedParents().empty());
 }
 
-}  // namespace
-}  // namespace vkl
-
-namespace vkl {
-namespace {
-
 // The node collection as plain data: creation order is index order, children in lists.
 struct PlainTree {
     struct Node {

@@ -38,59 +38,9 @@ struct Lines {
         form.Table.setCol(0);
         form.tableClick();
     }
-    std::string nodeText(int r) const {
-        const NodeRef n = form.Treeview.find(item(r));
-        return n.isNull() ? "<none>" : form.Treeview.text(n);
-    }
     test::ScriptedHost host;
     Form1 form{host, "C:\\inst", 1};
 };
-
-TEST(TableRowOps, DeletingMarkedLinesRemovesRowsAndNodesAndRenumbers) {
-    Lines w(5);
-    w.form.Table.setTextMatrix(3, 0, "99");  // a stale number is rewritten by every delete
-    w.form.deleteMarkedLines();              // nothing marked: only the numbers change
-    EXPECT_EQ(w.form.Table.rows(), 6);
-    EXPECT_EQ(w.form.Table.textMatrix(3, 0), "3");
-    EXPECT_EQ(w.form.Treeview.count(), 6);
-
-    w.clickNumber(2);
-    w.clickNumber(4);
-    EXPECT_EQ(w.form.Treeview.image(w.form.Treeview.find(item(4))), "arrow2");
-    w.form.toolbarClick("linedel");
-    ASSERT_EQ(w.form.Table.rows(), 4);
-    for (int r = 1; r <= 3; ++r) {
-        EXPECT_EQ(w.form.Table.textMatrix(r, 0), std::to_string(r));
-        EXPECT_EQ(w.nodeText(r), w.form.Table.textMatrix(r, 1)) << "row " << r;
-    }
-    EXPECT_EQ(w.form.Table.textMatrix(3, 1), "T5");  // the node of row 5 is keyed Child3 now
-    EXPECT_EQ(w.nodeText(4), "<none>");
-    EXPECT_EQ(w.form.Treeview.count(), 4);
-}
-
-TEST(TableRowOps, DeletingEveryLineKeepsOneEmptyUnmarkedRow) {
-    Lines w(3);
-    w.form.Treeview.add(item(1), TreeNodes::kChild, "Menu1", "inner", "folderclosed");
-    w.form.Table.setTextMatrix(1, 4, "param");
-    for (int r = 1; r <= 3; ++r) {
-        w.clickNumber(r);
-    }
-    w.form.deleteMarkedLines();
-    ASSERT_EQ(w.form.Table.rows(), 2);
-    EXPECT_EQ(w.form.Table.textMatrix(1, 0), "1");
-    for (int c = 1; c < Grid::kCols; ++c) {
-        EXPECT_EQ(w.form.Table.textMatrix(1, c), "") << "column " << c;
-        EXPECT_EQ(w.form.Table.backColorAt(1, c), w.form.defaultCellColor);
-    }
-    EXPECT_EQ(w.form.Table.backColorAt(1, 0), w.form.normalColor);
-    EXPECT_EQ(w.form.Treeview.count(), 1);  // only the root; the node's subtree went with it
-
-    // The same rule when the tree removes the line of the only row left.
-    Lines one(1);
-    one.form.removeLineOfNode(item(1));
-    EXPECT_EQ(one.form.Table.rows(), 2);
-    EXPECT_EQ(one.form.Table.textMatrix(1, 1), "");
-}
 
 // The delete as the editor describes it: bottom up, one row at a time.
 void rowByRowDelete(Grid& g, TreeNodes& t) {
@@ -230,6 +180,7 @@ TEST(TableRowOps, MarkToggleOnlyFromTheNumberColumn) {
     for (int c = 0; c < Grid::kCols; ++c) {
         EXPECT_EQ(w.form.Table.backColorAt(2, c), kMarkingColor);
     }
+    EXPECT_EQ(w.form.Treeview.image(w.form.Treeview.find(item(2))), "arrow2");
     w.form.Table.setCol(1);  // a click on the title leaves the mark
     w.form.tableClick();
     EXPECT_EQ(w.form.Table.backColorAt(2, 1), kMarkingColor);
@@ -242,6 +193,15 @@ TEST(TableRowOps, MarkToggleOnlyFromTheNumberColumn) {
     w.form.Treeview.remove(w.form.Treeview.find(item(3)));
     w.clickNumber(3);  // a line without a node is marked all the same
     EXPECT_EQ(w.form.Table.backColorAt(3, 1), kMarkingColor);
+    w.form.toolbarClick("linedel");
+    EXPECT_EQ(w.form.Table.rows(), 3);
+}
+
+TEST(TableRowOps, RemovingTheLineOfTheOnlyRowEmptiesIt) {
+    Lines one(1);
+    one.form.removeLineOfNode(item(1));
+    EXPECT_EQ(one.form.Table.rows(), 2);
+    EXPECT_EQ(one.form.Table.textMatrix(1, 1), "");
 }
 
 TEST(TableRowOps, ClearSelectionResetsTheFirstHighlightedRowOnly) {
@@ -261,18 +221,6 @@ TEST(TableRowOps, ClearSelectionResetsTheFirstHighlightedRowOnly) {
     }
     EXPECT_EQ(w.form.Table.row(), 3);
     EXPECT_EQ(w.form.Table.col(), 4);
-}
-
-TEST(TableRowOps, RemoveLineOfNodeShiftsLaterRowsAndKeys) {
-    Lines w(4);
-    w.form.Treeview.remove(w.form.Treeview.find(item(2)));  // the tree command drops the node
-    w.form.removeLineOfNode(item(2));
-    ASSERT_EQ(w.form.Table.rows(), 4);
-    EXPECT_EQ(w.form.Table.textMatrix(3, 0), "3");
-    EXPECT_EQ(w.nodeText(1), "T1");
-    EXPECT_EQ(w.nodeText(2), "T3");
-    EXPECT_EQ(w.nodeText(3), "T4");
-    EXPECT_EQ(w.nodeText(4), "<none>");
 }
 
 }  // namespace
