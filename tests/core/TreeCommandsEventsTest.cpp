@@ -89,8 +89,7 @@ TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
         w.form.menuClick("addsub");
     }
     EXPECT_EQ(w.kids("Menu1"), (Keys{"Child1", "Menu3", "Menu4", "Menu5"}));
-    EXPECT_EQ(w.tree().text(w.node("Menu4")), "MENU");
-    EXPECT_EQ(w.tree().image(w.node("Menu4")), "folderclosed");
+    EXPECT_EQ(w.tree().text(w.node("Menu4")) + w.tree().image(w.node("Menu4")), "MENUfolderclosed");
     EXPECT_EQ(w.form.currentNodeKey, "Menu1");
 
     w.form.currentNodeKey = "Child1";
@@ -100,13 +99,9 @@ TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
     EXPECT_EQ(w.kids("Menu1"),
               (Keys{"Menu6", "Menu7", "Child1", "Menu8", "Menu3", "Menu4", "Menu5"}));
 
-    w.form.currentNodeKey = "Menu99";
-    try {
-        w.form.menuClick("addsub");
-        FAIL() << "a key naming no node raises the control's error";
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), RuntimeError::elementNotFound().number());
-    }
+    w.form.currentNodeKey = "Menu99";  // a key naming no node raises the control's error
+    EXPECT_EQ(test::errorOf([&] { w.form.menuClick("addsub"); }),
+              RuntimeError::elementNotFound().number());
 }
 
 // Folders: RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel below.
@@ -208,24 +203,18 @@ TEST(TreeCommands, RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel) {
         Window literal;
         const int value = randomMenu(fast, seed);
         randomMenu(literal, seed);
-        int errors[2] = {0, 0};
-        try {
-            fast.form.menuClick(value == 1 ? "remove2" : "removechilden");
-        } catch (const RuntimeError& e) {
-            errors[0] = e.number();
-        }
-        try {
-            const NodeRef n = literal.node(literal.form.currentNodeKey);
-            if (literal.tree().children(n) > 0) {
-                markLiterally(literal.form, n);
-            }
-            if (value == 1) {
-                literal.tree().remove(literal.node(literal.form.currentNodeKey));
-            }
-        } catch (const RuntimeError& e) {
-            errors[1] = e.number();
-        }
-        ASSERT_EQ(errors[0], errors[1]) << "seed " << seed;
+        const int error =
+            test::errorOf([&] { fast.form.menuClick(value == 1 ? "remove2" : "removechilden"); });
+        ASSERT_EQ(error, test::errorOf([&] {
+                      const NodeRef n = literal.node(literal.form.currentNodeKey);
+                      if (literal.tree().children(n) > 0) {
+                          markLiterally(literal.form, n);
+                      }
+                      if (value == 1) {
+                          literal.tree().remove(literal.node(literal.form.currentNodeKey));
+                      }
+                  }))
+            << "seed " << seed;
         ASSERT_EQ(snapshot(fast), snapshot(literal)) << "seed " << seed;
     }
 }
@@ -244,9 +233,9 @@ TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     EXPECT_EQ(w.tree().image(w.node("Menu1")), "folderclosed");
 
     f.menuClick("addimage");
-    EXPECT_EQ(w.host.openRequests[1].filter, "All Files (*.*)|*.*|Bmp Files (*.bmp)|*.bmp");
-    EXPECT_EQ(w.host.openRequests[1].filterIndex, 2);
-    EXPECT_EQ(w.host.openRequests[1].initialDir, "/data/images");
+    const FileDialog& d = w.host.openRequests[1];
+    EXPECT_EQ(d.filter + std::to_string(d.filterIndex) + d.initialDir,
+              "All Files (*.*)|*.*|Bmp Files (*.bmp)|*.bmp2/data/images");
     EXPECT_EQ(f.tree.submenuBitmaps, (Keys{"", "", "two.bmp", "", "", "/data/images/F.bmp"}));
     EXPECT_EQ(f.tree.highestBitmapSerial, 5);
     EXPECT_EQ(w.tree().image(w.node("Menu1")), "image_here");
@@ -256,8 +245,7 @@ TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     f.currentSubmenuSerial = 1;
     w.host.openAnswers = {test::ScriptedHost::pick("/x/y.bmp")};
     f.menuClick("addimage");
-    EXPECT_EQ(f.tree.submenuBitmaps[1], "/x/y.bmp");
-    EXPECT_EQ(f.tree.highestBitmapSerial, 5);
+    EXPECT_EQ(f.tree.submenuBitmaps[1] + std::to_string(f.tree.highestBitmapSerial), "/x/y.bmp5");
     EXPECT_EQ(w.tree().image(w.node("Child1")), "image_here");
 }
 
@@ -383,16 +371,20 @@ TEST(TreeViews, ExpandCollapseAndMenusOnly) {
     Window w({"M", " a", "M", " M", " c", "x", " y"});
     TreeNodes& t = w.tree();
     t.setExpanded(w.node("Child3"), true);  // an item holding an item stays as it is
+    const auto open = [&] {
+        std::string s;
+        for (const char* key : {"Menu0", "Menu1", "Menu2", "Child3"}) {
+            s += t.expanded(w.node(key)) ? "+" : "-";
+        }
+        return s;
+    };
     w.form.expandClick();
-    EXPECT_TRUE(t.expanded(w.node("Menu0")) && t.expanded(w.node("Menu1")));
+    EXPECT_EQ(open(), "++++");
     EXPECT_EQ(w.form.currentNodeKey, "Child4");  // the last node in index order
     w.form.colapseClick();
-    EXPECT_FALSE(t.expanded(w.node("Menu0")) || t.expanded(w.node("Menu2")));
-    EXPECT_TRUE(t.expanded(w.node("Child3")));
+    EXPECT_EQ(open(), "---+");
     w.form.onlymenusClick();
-    EXPECT_TRUE(t.expanded(w.node("Menu0")));
-    EXPECT_FALSE(t.expanded(w.node("Menu1")));  // items only
-    EXPECT_TRUE(t.expanded(w.node("Menu2")));
+    EXPECT_EQ(open(), "+-++");  // Menu1 holds items only
 
     // The children's index range decides: Menu5, created between the two children of Menu4,
     // opens Menu4 without being its child.

@@ -93,9 +93,11 @@ std::optional<PictureSize> bmpSize(const std::string& path) {
         return std::nullopt;
     }
     auto le32 = [&](int at) {
-        return static_cast<int32_t>(
-            static_cast<uint32_t>(h[at]) | (static_cast<uint32_t>(h[at + 1]) << 8) |
-            (static_cast<uint32_t>(h[at + 2]) << 16) | (static_cast<uint32_t>(h[at + 3]) << 24));
+        uint32_t v = 0;
+        for (int i = 3; i >= 0; --i) {
+            v = (v << 8) | h[at + i];
+        }
+        return static_cast<int32_t>(v);
     };
     const int32_t w = le32(18);
     const int32_t hgt = le32(22);
@@ -107,38 +109,23 @@ std::optional<PictureSize> bmpSize(const std::string& path) {
 
 void writeBmp(const std::string& path, int width, int height) {
     const int rowBytes = (width * 3 + 3) & ~3;
-    const uint32_t pixelBytes = static_cast<uint32_t>(rowBytes * height);
-    const uint32_t fileSize = 54 + pixelBytes;
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    auto put16 = [&](uint16_t v) {
-        out.put(static_cast<char>(v & 0xFF));
-        out.put(static_cast<char>(v >> 8));
-    };
-    auto put32 = [&](uint32_t v) {
-        put16(static_cast<uint16_t>(v & 0xFFFF));
-        put16(static_cast<uint16_t>(v >> 16));
-    };
-    out.put('B');
-    out.put('M');
-    put32(fileSize);
-    put32(0);
-    put32(54);
-    put32(40);
-    put32(static_cast<uint32_t>(width));
-    put32(static_cast<uint32_t>(height));
-    put16(1);
-    put16(24);
-    put32(0);
-    put32(pixelBytes);
-    put32(2835);
-    put32(2835);
-    put32(0);
-    put32(0);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < rowBytes; ++x) {
-            out.put(static_cast<char>((x * 7 + y * 13) & 0xFF));
+    const auto pixelBytes = static_cast<uint32_t>(rowBytes * height);
+    std::string bytes = "BM";
+    // File header, then the info header: size 40, width, height, 1 plane, 24 bits, no
+    // compression, pixel bytes, 2835 pixels per metre both ways, no palette.
+    for (uint32_t v :
+         {54 + pixelBytes, 0u, 54u, 40u, static_cast<uint32_t>(width),
+          static_cast<uint32_t>(height), 1u | (24u << 16), 0u, pixelBytes, 2835u, 2835u, 0u, 0u}) {
+        for (int i = 0; i < 4; ++i, v >>= 8) {
+            bytes.push_back(static_cast<char>(v & 0xFF));
         }
     }
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < rowBytes; ++x) {
+            bytes.push_back(static_cast<char>((x * 7 + y * 13) & 0xFF));
+        }
+    }
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
 }  // namespace vkl::test
