@@ -53,7 +53,8 @@ TEST(FileReader, HeaderTakesFourPositionsCountingDataLinesOnly) {
     EXPECT_EQ(rec.events, "cut@2:\n");
 }
 
-TEST(FileReader, ShortcutLinesKeepTwoPairsAndAThirdRaisesError9) {
+// A third pair raises error 9: vklcheck's json group and the writer's round trip.
+TEST(FileReader, ShortcutLinesKeepTwoPairs) {
     Model m;
     m.read(menuFile({" ShortCut |DataDir|C:\\data", "SHORTCUT|bmpDIR|D:\\bmp|extra"}));
     EXPECT_EQ(m.shortcuts.count, 2);
@@ -64,13 +65,6 @@ TEST(FileReader, ShortcutLinesKeepTwoPairsAndAThirdRaisesError9) {
     w.read(menuFile({"SHORTCUT|C:\\data|C:\\data", "SHORTCUT| datadir"}));
     EXPECT_EQ(w.fields.datadir, "");
     EXPECT_EQ(w.shortcuts.pairs[1], (std::array<std::string, 2>{" datadir", ""}));
-
-    Recorder rec;
-    const std::string third =
-        menuFile({"Before|b|F|f", "SHORTCUT|a|1", "SHORTCUT|b|2", "SHORTCUT|c|3", "After|a|F|g"});
-    EXPECT_EQ(errorOf([&] { m.read(third, 1, &rec); }), 9);
-    EXPECT_EQ(m.rows(), "1|Before|b|F|f|b|f\n");  // read up to the error, nothing after it
-    EXPECT_TRUE(rec.events.ends_with("error 9@17:SHORTCUT|c|3\n")) << rec.events;
 }
 
 TEST(FileReader, TableIsCutToTheAppendStartRowFirst) {

@@ -35,27 +35,6 @@ TreeNodes sample() {
     return t;
 }
 
-TEST(TreeNodes, ErrorsOfTheControl) {
-    TreeNodes t = sample();
-    EXPECT_EQ(errorOf([&] { t.add("Menu0", TreeNodes::kChild, "a1", "dup"); }), 35602);
-    EXPECT_EQ(errorOf([&] { t.add("nope", TreeNodes::kChild, "z", "z"); }), 35601);
-    EXPECT_EQ(errorOf([&] { (void)t.byKey("nope"); }), 35601);
-    EXPECT_EQ(errorOf([&] { (void)t.byIndex(0); }), 9);
-    EXPECT_EQ(errorOf([&] { (void)t.byIndex(7); }), 9);
-    EXPECT_EQ(t.count(), 6);
-}
-
-TEST(TreeNodes, EnsureVisibleExpandsAncestorsOnly) {
-    TreeNodes t = sample();
-    t.add("a1", TreeNodes::kChild, "deep", "deep");
-    t.ensureVisible(t.byKey("deep"));
-    EXPECT_TRUE(t.expanded(t.byKey("a1")));
-    EXPECT_TRUE(t.expanded(t.byKey("A")));
-    EXPECT_TRUE(t.expanded(t.byKey("Menu0")));
-    EXPECT_FALSE(t.expanded(t.byKey("deep")));
-    EXPECT_FALSE(t.expanded(t.byKey("B")));
-}
-
 TEST(TreeNodes, NumberedKeysAreTheKeysOfStemAndNumber) {
     TreeNodes t = sample();
     const NodeRef a = t.byKey("A");
@@ -82,42 +61,6 @@ TEST(TreeNodes, NumberedKeysAreTheKeysOfStemAndNumber) {
     EXPECT_EQ(t.count(), 7);
 }
 
-// The unfolded nodes with children, by key, as a view after a reset is told them.
-std::vector<std::string> expandedParentKeys(const TreeNodes& t) {
-    std::vector<std::string> keys;
-    for (const NodeRef n : t.expandedParents()) {
-        keys.push_back(t.key(n));
-    }
-    std::sort(keys.begin(), keys.end());
-    return keys;
-}
-
-TEST(TreeNodes, ExpandedParentsAreTheUnfoldedNodesThatHaveChildren) {
-    TreeNodes t = sample();
-    t.add("a1", TreeNodes::kChild, "deep", "deep");
-    t.ensureVisible(t.byKey("deep"));    // Menu0, A, a1
-    t.setExpanded(t.byKey("b1"), true);  // a leaf: unfolded, but nothing to show
-    t.setExpanded(t.byKey("B"), true);
-    t.setExpanded(t.byKey("B"), false);  // folded again
-    t.setExpanded(t.byKey("A"), false);
-    t.setExpanded(t.byKey("A"), true);  // unfolded twice
-    EXPECT_EQ(expandedParentKeys(t), (std::vector<std::string>{"A", "Menu0", "a1"}));
-
-    // A removed node goes; a leaf that gets a child counts from then on; asking twice changes
-    // nothing.
-    t.remove(t.byKey("deep"));
-    t.add("b1", TreeNodes::kChild, "b1x", "b1x");
-    t.remove(t.byKey("A"));
-    EXPECT_EQ(expandedParentKeys(t), (std::vector<std::string>{"Menu0", "b1"}));
-    EXPECT_EQ(expandedParentKeys(t), (std::vector<std::string>{"Menu0", "b1"}));
-
-    // A cleared collection starts without any.
-    t.clear();
-    t.add(NodeRef{}, TreeNodes::kChild, "Menu0", "Top Menu");
-    t.add("Menu0", TreeNodes::kChild, "A", "A");
-    EXPECT_TRUE(t.expandedParents().empty());
-}
-
 // The node collection as plain data: creation order is index order, children in lists.
 struct PlainTree {
     struct Node {
@@ -125,6 +68,7 @@ struct PlainTree {
         int parent = -1;
         std::vector<int> kids;
         bool alive = true;
+        bool expanded = false;
     };
     std::vector<Node> nodes;
     std::vector<int> tops;
@@ -213,7 +157,7 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
         for (int step = 0; step < 400; ++step) {
             const std::vector<int> alive = live();
             const int some = alive.empty() ? -1 : alive[below(static_cast<int>(alive.size()))];
-            switch (below(10)) {
+            switch (below(12)) {
                 case 0:
                 case 1:
                 case 2: {
@@ -321,19 +265,42 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
                         m.tops.clear();
                     }
                     break;
+                case 8:
+                    if (some >= 0) {
+                        const bool open = below(2) == 0;
+                        t.setExpanded(refs[some], open);
+                        m.nodes[some].expanded = open;
+                    }
+                    break;
+                case 9:
+                    if (some >= 0) {  // unfolds the ancestors only
+                        t.ensureVisible(refs[some]);
+                        for (int p = m.nodes[some].parent; p >= 0; p = m.nodes[p].parent) {
+                            m.nodes[p].expanded = true;
+                        }
+                    }
+                    break;
                 default:
                     if (!m.nodes.empty()) {
                         const int gone = below(static_cast<int>(m.nodes.size()));
                         if (!m.nodes[gone].alive) {
                             EXPECT_FALSE(t.alive(refs[gone]));
                             EXPECT_EQ(errorOf([&] { (void)t.key(refs[gone]); }), 91);
+                            EXPECT_EQ(errorOf([&] { t.add(refs[gone], 4, "", "t"); }), 35601);
                         }
                     }
                     break;
             }
-            // Every lookup agrees with the model.
+            // Every lookup agrees with the model; the unfolded nodes with children are those a
+            // view is told after a reset.
             const std::vector<int> now = live();
             ASSERT_EQ(t.count(), static_cast<int>(now.size())) << "step " << step;
+            std::vector<int> unfolded;
+            for (const NodeRef n : t.expandedParents()) {
+                unfolded.push_back(t.index(n));
+            }
+            std::sort(unfolded.begin(), unfolded.end());
+            std::vector<int> expected;
             for (size_t i = 0; i < now.size(); ++i) {
                 const int n = now[i];
                 const NodeRef r = refs[n];
@@ -355,8 +322,17 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
                 ASSERT_EQ(t.position(r), at);
                 ASSERT_EQ(t.firstSibling(r), refs[sibs.front()]);
                 ASSERT_EQ(t.lastSibling(r), refs[sibs.back()]);
+                ASSERT_EQ(t.expanded(r), m.nodes[n].expanded) << "step " << step;
+                if (m.nodes[n].expanded && !kids.empty()) {
+                    expected.push_back(static_cast<int>(i) + 1);
+                }
             }
+            ASSERT_EQ(unfolded, expected) << "step " << step;
             ASSERT_TRUE(t.find("absent").isNull());
+            ASSERT_EQ(errorOf([&] { (void)t.byKey("absent"); }), 35601);
+            for (const int index : {0, t.count() + 1}) {
+                ASSERT_EQ(errorOf([&] { (void)t.byIndex(index); }), 9);
+            }
         }
     }
 }
