@@ -65,7 +65,7 @@ TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
     Editing e;
     EXPECT_EQ(e.start(2, 1, 'a'), 'A');
     EXPECT_EQ(e.editors(), "F 'A' 1 - 2,1");
-    EXPECT_EQ(e.form.editRow * 10 + e.form.editCol, 21);
+    EXPECT_EQ(e.form.edit.row * 10 + e.form.edit.col, 21);
     EXPECT_EQ(e.node(2), "A");  // the title reaches the node as it is typed
 
     e.form.commitText();
@@ -74,10 +74,10 @@ TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
     EXPECT_EQ(e.node(3), "T");                      // other columns leave the node alone
 
     // The action column opens the drop-down; the text box stays as it was, the cell too.
-    e.form.typedCount = 3;
+    e.form.edit.typedCount = 3;
     e.start(1, 3, 'x');
     EXPECT_EQ(e.editors(), "F 'param 3' 7 C 1,3");
-    EXPECT_EQ(e.cell(1, 3) + std::to_string(e.form.typedCount), "0");
+    EXPECT_EQ(e.cell(1, 3) + std::to_string(e.form.edit.typedCount), "0");
     e.start(1, 2, '5');  // a text edit hides the drop-down
     EXPECT_EQ(e.editors(), "F '5' 1 - 1,2");
 }
@@ -113,7 +113,7 @@ TEST(TableEdit, BitmapColumnTakesFourUpperCaseKeys) {
     e.start(1, 2, 'y');  // Backspace gives a key back
     e.type("ab\bcde");
     EXPECT_TRUE(e.form.Text1.visible);
-    EXPECT_EQ(e.form.typedCount, 4);
+    EXPECT_EQ(e.form.edit.typedCount, 4);
     e.type("f");
     EXPECT_EQ(e.form.Table.col(), 3);
 
@@ -138,7 +138,7 @@ TEST(TableEdit, DropDownWritesCodesAndRepeatsTheLastOne) {
         e.start(1, 3, 'p');
         e.form.Table.setRow(3);  // the code goes to the cell where the edit started
         e.form.combo1Click(label);
-        EXPECT_EQ(e.cell(1, 3) + "/" + e.form.lastCode, std::string(code) + "/" + code);
+        EXPECT_EQ(e.cell(1, 3) + "/" + e.form.edit.lastCode, std::string(code) + "/" + code);
         EXPECT_FALSE(e.form.Combo1.visible);
     }
     e.form.Table.setRow(2);

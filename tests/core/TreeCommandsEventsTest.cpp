@@ -84,22 +84,22 @@ struct Window {
 
 TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
     Window w({"M", " Through", "M", " Saw"});  // as a file with two submenus leaves it
-    w.form.currentNodeKey = "Menu1";
+    w.form.treeEvents.currentNodeKey = "Menu1";
     for (int i = 0; i < 3; ++i) {
         w.form.menuClick("addsub");
     }
     EXPECT_EQ(w.kids("Menu1"), (Keys{"Child1", "Menu3", "Menu4", "Menu5"}));
     EXPECT_EQ(w.tree().text(w.node("Menu4")) + w.tree().image(w.node("Menu4")), "MENUfolderclosed");
-    EXPECT_EQ(w.form.currentNodeKey, "Menu1");
+    EXPECT_EQ(w.form.treeEvents.currentNodeKey, "Menu1");
 
-    w.form.currentNodeKey = "Child1";
+    w.form.treeEvents.currentNodeKey = "Child1";
     for (const char* entry : {"addabove1", "addabove2", "addbelow2"}) {
         w.form.menuClick(entry);
     }
     EXPECT_EQ(w.kids("Menu1"),
               (Keys{"Menu6", "Menu7", "Child1", "Menu8", "Menu3", "Menu4", "Menu5"}));
 
-    w.form.currentNodeKey = "Menu99";  // a key naming no node raises the control's error
+    w.form.treeEvents.currentNodeKey = "Menu99";  // a key naming no node raises the control's error
     EXPECT_EQ(test::errorOf([&] { w.form.menuClick("addsub"); }),
               RuntimeError::elementNotFound().number());
 }
@@ -109,7 +109,7 @@ TEST(TreeCommands, RemovingAnItemDeletesItsRowOnly) {
     // An item goes alone with its row whatever the command; nested rows stay without nodes.
     for (const char* entry : {"remove1", "remove2", "removechilden"}) {
         Window item({"top", " nested", "  deeper", "next"});
-        item.form.currentNodeKey = "Child1";
+        item.form.treeEvents.currentNodeKey = "Child1";
         item.form.menuClick(entry);
         EXPECT_EQ(item.titles(), (Keys{"nested", "deeper", "next"})) << entry;
         EXPECT_EQ(item.kids("Menu0"), (Keys{"Child3"})) << entry;
@@ -193,7 +193,7 @@ int randomMenu(Window& w, unsigned seed) {
         }
     }
     w.form.Table.setRow(1 + static_cast<int>(pick(static_cast<size_t>(rows))));
-    w.form.currentNodeKey = folders[pick(folders.size())];
+    w.form.treeEvents.currentNodeKey = folders[pick(folders.size())];
     return static_cast<int>(pick(2));
 }
 
@@ -205,15 +205,16 @@ TEST(TreeCommands, RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel) {
         randomMenu(literal, seed);
         const int error =
             test::errorOf([&] { fast.form.menuClick(value == 1 ? "remove2" : "removechilden"); });
-        ASSERT_EQ(error, test::errorOf([&] {
-                      const NodeRef n = literal.node(literal.form.currentNodeKey);
-                      if (literal.tree().children(n) > 0) {
-                          markLiterally(literal.form, n);
-                      }
-                      if (value == 1) {
-                          literal.tree().remove(literal.node(literal.form.currentNodeKey));
-                      }
-                  }))
+        ASSERT_EQ(
+            error, test::errorOf([&] {
+                const NodeRef n = literal.node(literal.form.treeEvents.currentNodeKey);
+                if (literal.tree().children(n) > 0) {
+                    markLiterally(literal.form, n);
+                }
+                if (value == 1) {
+                    literal.tree().remove(literal.node(literal.form.treeEvents.currentNodeKey));
+                }
+            }))
             << "seed " << seed;
         ASSERT_EQ(snapshot(fast), snapshot(literal)) << "seed " << seed;
     }
@@ -222,8 +223,8 @@ TEST(TreeCommands, RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel) {
 TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     Window w({"M", " a"});
     Form1& f = w.form;
-    f.currentNodeKey = "Menu1";
-    f.currentSubmenuSerial = 5;
+    f.treeEvents.currentNodeKey = "Menu1";
+    f.treeEvents.currentSubmenuSerial = 5;
     f.tree.submenuBitmaps = {"", "", "two.bmp"};
     f.tree.highestBitmapSerial = 2;
     f.Imagedir.text = "/data/images";
@@ -241,8 +242,8 @@ TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     EXPECT_EQ(w.tree().image(w.node("Menu1")), "image_here");
 
     // On an item: its image changes, the path goes to the folder clicked last.
-    f.currentNodeKey = "Child1";
-    f.currentSubmenuSerial = 1;
+    f.treeEvents.currentNodeKey = "Child1";
+    f.treeEvents.currentSubmenuSerial = 1;
     w.host.openAnswers = {test::ScriptedHost::pick("/x/y.bmp")};
     f.menuClick("addimage");
     EXPECT_EQ(f.tree.submenuBitmaps[1] + std::to_string(f.tree.highestBitmapSerial), "/x/y.bmp5");
@@ -265,20 +266,20 @@ TEST(TreeEvents, ItemClickScrollsToTheLineAndMovesTheHighlight) {
     f.treeviewNodeClick("Child11");
     EXPECT_EQ(f.Table.topRow(), 6);
     expectLine(f.Table, 11, f.highlightColor);
-    EXPECT_EQ(f.treeSelected, w.node("Child11"));
+    EXPECT_EQ(f.treeEvents.treeSelected, w.node("Child11"));
 
     f.treeviewNodeClick("Child10");
     EXPECT_EQ(f.Table.topRow(), 1);
     expectLine(f.Table, 11, kDefaultCell);
     expectLine(f.Table, 10, f.highlightColor);
-    EXPECT_EQ(f.selectedRow, 10);
+    EXPECT_EQ(f.treeEvents.selectedRow, 10);
 
     f.Table.setBackColorAt(15, 1, f.highlightColor);  // the last highlighted line counts
     f.treeviewNodeClick("Menu1");
-    EXPECT_EQ(f.selectedRow, 15);
+    EXPECT_EQ(f.treeEvents.selectedRow, 15);
     expectLine(f.Table, 15, kDefaultCell);
     EXPECT_EQ(f.Table.backColorAt(10, 1), f.highlightColor);
-    EXPECT_EQ(f.currentSubmenuSerial, 1);
+    EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 1);
     EXPECT_TRUE(w.host.messages.empty());  // no bitmap entry: nothing shown
 }
 
@@ -295,14 +296,14 @@ TEST(TreeEvents, MouseDownOpensThePopupOfTheNodeKind) {
     f.treeviewMouseDown(2, 0, 0, 10);
     EXPECT_EQ(w.kids("Menu0").back(), "Menu3");  // the chosen entry ran on the root
     f.treeviewMouseDown(2, 0, 0, 30);
-    EXPECT_EQ(f.popupNode, w.node("Child1"));
-    EXPECT_EQ(f.currentNodeKey, "Child1");
+    EXPECT_EQ(f.treeEvents.popupNode, w.node("Child1"));
+    EXPECT_EQ(f.treeEvents.currentNodeKey, "Child1");
     f.treeviewMouseDown(2, 0, 0, 40);
-    EXPECT_EQ(f.currentSubmenuSerial, 2);
+    EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 2);
     f.treeviewMouseDown(1, 0, 0, 20);
-    EXPECT_EQ(f.treeSelected, w.node("Menu1"));
+    EXPECT_EQ(f.treeEvents.treeSelected, w.node("Menu1"));
     EXPECT_EQ(w.host.popups, (Keys{"Menu1", "Menu2", "menu3"}));
-    EXPECT_EQ(f.currentSubmenuSerial, 2);  // a left press leaves it
+    EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 2);  // a left press leaves it
 }
 
 TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
@@ -313,7 +314,7 @@ TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
     auto drag = [&](const std::string& key, double y) {
         f.treeviewStartDrag();
         f.treeviewDragDrop(key, 0, y);
-        EXPECT_FALSE(f.dragging);
+        EXPECT_FALSE(f.treeEvents.dragging);
     };
     drag("Child3", 1);  // onto an item
     EXPECT_EQ(w.parentKey("Child3"), "Menu0");
@@ -324,7 +325,7 @@ TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
     EXPECT_TRUE(w.host.messages.empty());
     drag("Child2", 3);  // a folder showing a bitmap hands the drop to its parent
     EXPECT_EQ(w.parentKey("Child2"), "Menu0");
-    EXPECT_EQ(f.currentNodeKey, "Menu3");
+    EXPECT_EQ(f.treeEvents.currentNodeKey, "Menu3");
     drag("Child4", 77);  // no node under the pointer
     EXPECT_EQ(w.parentKey("Child4"), "Menu3");
 }
@@ -339,10 +340,10 @@ TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
     f.treeviewStartDrag();
     EXPECT_EQ(f.treeviewDragOver(0, 50), 2);
     EXPECT_TRUE(f.Timer1.enabled);
-    EXPECT_EQ(f.scrollDirection, -1);
-    f.treeDropHighlight = {};
+    EXPECT_EQ(f.treeEvents.scrollDirection, -1);
+    f.treeEvents.treeDropHighlight = {};
     f.timer1Tick();
-    EXPECT_EQ(f.treeDropHighlight, w.node("Child1"));  // under the last position
+    EXPECT_EQ(f.treeEvents.treeDropHighlight, w.node("Child1"));  // under the last position
     EXPECT_EQ(f.treeviewDragOver(0, 150), 2);
     EXPECT_FALSE(f.Timer1.enabled);
     f.treeviewDragOver(0, 3850);
@@ -358,9 +359,9 @@ TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
 TEST(TreeEvents, LabelEditsReachTheTitleOfItemsOnly) {
     Window w({"M", "x"});
     w.form.Table.setTextMatrix(1, 1, "   Indented");
-    w.form.treeSelected = w.node("Child1");
+    w.form.treeEvents.treeSelected = w.node("Child1");
     w.form.treeviewAfterLabelEdit("Plain");
-    w.form.treeSelected = w.node("Menu1");
+    w.form.treeEvents.treeSelected = w.node("Menu1");
     w.form.treeviewAfterLabelEdit("Folder");
     EXPECT_EQ(w.titles(), (Keys{"Plain"}));
     EXPECT_EQ(w.tree().text(w.node("Child1")), "Plain");
@@ -380,7 +381,7 @@ TEST(TreeViews, ExpandCollapseAndMenusOnly) {
     };
     w.form.expandClick();
     EXPECT_EQ(open(), "++++");
-    EXPECT_EQ(w.form.currentNodeKey, "Child4");  // the last node in index order
+    EXPECT_EQ(w.form.treeEvents.currentNodeKey, "Child4");  // the last node in index order
     w.form.colapseClick();
     EXPECT_EQ(open(), "---+");
     w.form.onlymenusClick();

@@ -268,8 +268,8 @@ void MainWindowTest::editorsLieOverTheirCell() {
     QVERIFY(!combo1->isVisible());
     QCOMPARE(text1->parentWidget(), e.table()->viewport());
 
-    e.form.editRow = 30;
-    e.form.editCol = 4;
+    e.form.edit.row = 30;
+    e.form.edit.col = 4;
     e.form.Text1.visible = true;
     e.form.Text1.text = "abc";
     e.form.Text1.selStart = 1000;
@@ -291,8 +291,8 @@ void MainWindowTest::editorsLieOverTheirCell() {
     QCOMPARE(text1->geometry(), over());
 
     e.form.Text1.visible = false;
-    e.form.editRow = 25;
-    e.form.editCol = 3;
+    e.form.edit.row = 25;
+    e.form.edit.col = 3;
     e.form.Combo1.visible = true;
     e.window.sync();
     QVERIFY(!text1->isVisible());
@@ -456,13 +456,13 @@ void MainWindowTest::treeFollowsTheFormBothWays() {
     QVERIFY(tree->isExpanded(model->indexOf(root)));
     QVERIFY(tree->isExpanded(model->indexOf(folder)));
 
-    e.form.treeSelected = one;
+    e.form.treeEvents.treeSelected = one;
     e.window.sync();
     QCOMPARE(tree->currentIndex(), model->indexOf(one));
     tree->setCurrentIndex(model->indexOf(folder));
-    QCOMPARE(e.form.treeSelected, folder);
+    QCOMPARE(e.form.treeEvents.treeSelected, folder);
 
-    e.form.treeDropHighlight = folder;
+    e.form.treeEvents.treeDropHighlight = folder;
     e.window.sync();
     QVERIFY(model->indexOf(folder).data(Qt::BackgroundRole).isValid());
     QVERIFY(!model->indexOf(one).data(Qt::BackgroundRole).isValid());
@@ -507,12 +507,12 @@ void MainWindowTest::treePressesReachTheForm() {
     QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, at(item));
     QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, at(folder));
     QCOMPARE(e.host.popups, (std::vector<std::string>{"Menu1", "Menu2", "menu3"}));
-    QCOMPARE(e.form.currentNodeKey, std::string("Menu1"));
+    QCOMPARE(e.form.treeEvents.currentNodeKey, std::string("Menu1"));
 
     // A left click on an item selects it and marks its line.
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at(item));
-    QCOMPARE(e.form.currentNodeKey, std::string("Child2"));
-    QCOMPARE(e.form.treeSelected, item);
+    QCOMPARE(e.form.treeEvents.currentNodeKey, std::string("Child2"));
+    QCOMPARE(e.form.treeEvents.treeSelected, item);
     QCOMPARE(tree->currentIndex(), model->indexOf(item));
     QCOMPARE(e.form.Table.backColorAt(2, 1), e.form.highlightColor);
     QCOMPARE(e.table()->model()->index(1, 1).data(Qt::BackgroundRole).value<QColor>(),
