@@ -186,14 +186,4 @@ inline QByteArray readAll(const std::string& file) {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-// Lines joined with CR LF, each line ended, as the writer writes them.
-inline QByteArray crlfLines(std::initializer_list<const char*> lines) {
-    QByteArray out;
-    for (const char* line : lines) {
-        out += line;
-        out += "\r\n";
-    }
-    return out;
-}
-
 }  // namespace window_test
