@@ -2,6 +2,7 @@
 // the pressed node, and a window small enough for every screen.
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QScrollBar>
 
@@ -192,7 +193,9 @@ void WindowHabitsTest::everyControlFitsTheSmallestWindow() {
                      qPrintable(name));
         }
         QCOMPARE(named, 27);
-        // The grid keeps its column widths and scrolls sideways to show them.
+        // The grid keeps its column widths, without row headings, and scrolls sideways to show
+        // them.
+        QVERIFY(!table->verticalHeader()->isVisible());
         int columns = 0;
         for (int c = 0; c < 5; ++c) {
             QCOMPARE(table->columnWidth(c), metrics.horizontalAdvance(QString(

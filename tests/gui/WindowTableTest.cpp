@@ -57,6 +57,8 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     w.window.resize(1400, 1000);
     QTRY_VERIFY(table->visualRect(w.cell(40, 1)) != before);
     QCOMPARE(text1->geometry(), table->visualRect(w.cell(40, 1)));
+    table->setColumnWidth(1, table->columnWidth(1) + 40);  // and when its column widens
+    QCOMPARE(text1->geometry(), table->visualRect(w.cell(40, 1)));
 
     // Enter takes the text over into the cell and moves one cell to the right.
     QTest::keyClick(text1, Qt::Key_Return);
@@ -72,6 +74,9 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     QTest::keyClick(table, Qt::Key_Space);
     QCOMPARE(text1->text(), QStringLiteral("Metric"));
     QCOMPARE(text1->cursorPosition(), 6);
+    w.form.Text1.selStart = 1000;  // a caret past the end stands at the end and reads back so
+    w.window.sync();
+    QCOMPARE(w.form.Text1.selStart, 6);
     QCOMPARE(w.node("Child3").data().toString(), QStringLiteral("Metric"));
     QTest::keyClicks(text1, "s");
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, w.cellCentre(5, 4));
