@@ -9,6 +9,7 @@
 
 #include "app/Form1.h"
 #include "gui/GridModel.h"
+#include "gui/Icons.h"
 #include "gui/TreeModel.h"
 #include "platform/Colors.h"
 #include "platform/RuntimeError.h"
@@ -216,6 +217,17 @@ void ModelsTest::treeShowsTextIconsAndDropHighlight() {
                                                "e"));
     QCOMPARE(model.indexOf(item).data().toString(), QString::fromUtf8("Grüße"));
 
+    // The eight pictures of the tree are told apart; the blank one paints nothing.
+    QList<QImage> drawn;
+    for (const char* key : {"root", "arrow2", "arrow1", "folderclosed2", "item", "folderclosed",
+                            "image_here", "blank"}) {
+        const QImage image = vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage();
+        QVERIFY2(!image.isNull() && !drawn.contains(image), key);
+        drawn << image.convertToFormat(QImage::Format_ARGB32);
+    }
+    QImage nothing(drawn.last().size(), QImage::Format_ARGB32);
+    nothing.fill(Qt::transparent);
+    QCOMPARE(drawn.last(), nothing);
     QVERIFY(!model.indexOf(item).data(Qt::DecorationRole).isValid());
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     nodes.setImage(item, "arrow2");
