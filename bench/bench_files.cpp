@@ -100,11 +100,9 @@ struct Written {
         }
     }
     void save() {
-        std::vector<int16_t> skipped;
-        int16_t count = 0;
-        bool saved = false;
-        menufile::writeMenuFile(path, state.model(), 1, host, {skipped, count, saved});
-        if (!saved || count != 0 || !host.messages.empty()) {
+        menufile::SaveRecord record;
+        menufile::writeMenuFile(path, state.model(), 1, host, record);
+        if (!record.saved || record.skippedCount != 0 || !host.messages.empty()) {
             throw std::runtime_error("the generated menu did not save cleanly");
         }
     }

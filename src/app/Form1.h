@@ -7,12 +7,15 @@
 #include <vector>
 
 #include "app/Controls.h"
+#include "menufile/Writer.h"
 #include "platform/Colors.h"
 #include "platform/Grid.h"
 #include "platform/Host.h"
 #include "platform/MenuState.h"
 #include "platform/TreeNodes.h"
 #include "platform/TreeViewPort.h"
+#include "table/CellEdit.h"
+#include "tree/Events.h"
 
 namespace vkl {
 
@@ -117,8 +120,6 @@ class Form1 {
 
     Grid Table;
     TreeNodes Treeview;
-    NodeRef treeSelected;       // the tree's selected node
-    NodeRef treeDropHighlight;  // the tree's drop-highlighted node
 
     TextBox Text1, Text2, Text3, Datadir, Imagedir;
     ComboBox Combo1, Combo2, Combo3;
@@ -141,33 +142,10 @@ class Form1 {
     Shortcuts shortcuts;
     int16_t addedLines = 0;
 
-    // In-place editing.
-    int16_t editCol = 0;
-    int16_t editRow = 0;
-    int16_t typedCount = 0;
-    std::string lastCode;
-    // The label of the edited row's item node when a title edit started; an edit dropped by
-    // Escape gives it back.
-    std::optional<std::string> labelBeforeEdit;
-
-    // Tree events.
-    std::string currentNodeKey;
-    int16_t currentSubmenuSerial = 0;
-    NodeRef pressedNode;
-    NodeRef popupNode;
-    NodeRef selectedNode;
-    bool dragging = false;
-    double lastDragX = 0;
-    double lastDragY = 0;
-    int16_t scrollDirection = 0;
-    int16_t selectedRow = -1;
-
+    table::EditState edit;
+    tree::TreeEventState treeEvents;
     int16_t holeType = 0;
-
-    // Writer.
-    std::vector<int16_t> skippedRows;
-    int16_t skippedCount = 0;
-    bool saved = false;
+    menufile::SaveRecord saveRecord;
 
     // Message boxes: English when the code is exactly 1, German otherwise.
     bool messagesInEnglish() const { return languageCode == 1; }

@@ -176,8 +176,7 @@ void Form1::readMenuFile(const std::string& path, menufile::ReadDiagnostics* dia
 void Form1::writeMenuFile(const std::string& path) {
     menufile::HeaderFields header = headerOf(*this);
     const menufile::MenuModel model{Table, Treeview, tree, shortcuts, header};
-    menufile::writeMenuFile(path, model, languageCode, host,
-                            menufile::SaveRecord{skippedRows, skippedCount, saved});
+    menufile::writeMenuFile(path, model, languageCode, host, saveRecord);
 }
 
 void Form1::deriveFlatTree() {

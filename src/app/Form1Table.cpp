@@ -34,9 +34,9 @@ void Form1::removeLineOfNode(const std::string& nodeKey) {
 }
 
 void Form1::tableKeyPress(int& keyAscii) {
-    typedCount = 0;
-    editCol = checked16(Table.col());
-    editRow = checked16(Table.row());
+    edit.typedCount = 0;
+    edit.col = checked16(Table.col());
+    edit.row = checked16(Table.row());
     keyAscii = table::upperLetter(keyAscii);
     const table::EditOpening opening = table::openEdit(Table, keyAscii);
     if (opening.dropDown) {
@@ -45,10 +45,10 @@ void Form1::tableKeyPress(int& keyAscii) {
         return;
     }
     Combo1.visible = false;
-    labelBeforeEdit.reset();
-    if (editCol == table::kTitleColumn) {
-        if (const NodeRef node = table::nodeOfRow(Treeview, editRow); !node.isNull()) {
-            labelBeforeEdit = Treeview.text(node);
+    edit.labelBefore.reset();
+    if (edit.col == table::kTitleColumn) {
+        if (const NodeRef node = table::nodeOfRow(Treeview, edit.row); !node.isNull()) {
+            edit.labelBefore = Treeview.text(node);
         }
     }
     Text1.text = opening.text;
@@ -64,15 +64,15 @@ void Form1::text1KeyPress(int& keyAscii) {
     if (keyAscii == table::kKeyEnter) {
         enterSteps(*this);
     }
-    typedCount = table::countKey(typedCount, keyAscii);
-    if (editCol == table::kBitmapColumn && table::bitmapKeyFilter(keyAscii, typedCount)) {
+    edit.typedCount = table::countKey(edit.typedCount, keyAscii);
+    if (edit.col == table::kBitmapColumn && table::bitmapKeyFilter(keyAscii, edit.typedCount)) {
         enterSteps(*this);
     }
 }
 
 void Form1::text1Change(const std::string& text) {
     Text1.text = text;
-    table::titleToTree(Treeview, editCol, editRow, text);
+    table::titleToTree(Treeview, edit, text);
 }
 
 void Form1::text1Caret(int selStart, int selLength) {
@@ -110,13 +110,13 @@ void Form1::text1Cancel() {
     Text1.visible = false;
     Text1.hasFocus = false;
     // The title went to the node with every key; the label it had comes back.
-    if (editCol == table::kTitleColumn && labelBeforeEdit) {
-        const NodeRef node = table::nodeOfRow(Treeview, editRow);
+    if (edit.col == table::kTitleColumn && edit.labelBefore) {
+        const NodeRef node = table::nodeOfRow(Treeview, edit.row);
         if (!node.isNull()) {
-            Treeview.setText(node, *labelBeforeEdit);
+            Treeview.setText(node, *edit.labelBefore);
         }
     }
-    labelBeforeEdit.reset();
+    edit.labelBefore.reset();
 }
 
 void Form1::combo1Cancel() {
@@ -135,13 +135,13 @@ void Form1::commitEditors() {
 
 void Form1::combo1Click(const std::string& text) {
     Combo1.text = text;
-    table::commitCode(Table, editRow, editCol, codeForLabel(text), lastCode);
+    table::commitCode(Table, edit, codeForLabel(text));
     Combo1.visible = false;
 }
 
 void Form1::tableMouseDown(int) {
     table::clearSelection(Table, highlightColor, defaultCellColor);
-    table::repeatCode(Table, lastCode);
+    table::repeatCode(Table, edit.lastCode);
 }
 
 void Form1::tableClick() {

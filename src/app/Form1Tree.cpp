@@ -9,27 +9,6 @@ namespace vkl {
 
 namespace {
 
-tree::TreeWindow windowOf(Form1& f) {
-    return {f.Treeview,
-            f.Table,
-            f.treePort,
-            f.currentNodeKey,
-            f.currentSubmenuSerial,
-            f.pressedNode,
-            f.popupNode,
-            f.selectedNode,
-            f.treeSelected,
-            f.treeDropHighlight,
-            f.dragging,
-            f.lastDragX,
-            f.lastDragY,
-            f.scrollDirection,
-            f.selectedRow,
-            f.Timer1.enabled,
-            f.highlightColor,
-            f.defaultCellColor};
-}
-
 // Resolves a bitmap text and shows the file in the preview window, or reports it missing.
 void showBitmap(Form1& f, const std::string& written) {
     const menufile::BitmapSources sources{f.Imagedir.text, f.shortcuts, f.installDir};
@@ -49,15 +28,14 @@ void showBitmap(Form1& f, const std::string& written) {
 }  // namespace
 
 void Form1::treeviewNodeClick(const std::string& key) {
-    tree::TreeWindow w = windowOf(*this);
     tree::nodeClick(
-        w, tree, key, [this](const std::string& bitmap) { showBitmap(*this, bitmap); },
+        treeEvents, Treeview, Table, highlightColor, defaultCellColor, tree, key,
+        [this](const std::string& bitmap) { showBitmap(*this, bitmap); },
         [this](int16_t row) { showRowBitmap(row); });
 }
 
 void Form1::treeviewMouseDown(int button, int, double x, double y) {
-    tree::TreeWindow w = windowOf(*this);
-    const std::string menu = tree::mouseDown(w, button, x, y);
+    const std::string menu = tree::mouseDown(treeEvents, Treeview, treePort, button, x, y);
     if (menu.empty()) {
         return;
     }
@@ -71,12 +49,11 @@ void Form1::treeviewMouseDown(int button, int, double x, double y) {
 }
 
 void Form1::treeviewAfterLabelEdit(const std::string& newText) {
-    tree::TreeWindow w = windowOf(*this);
-    tree::afterLabelEdit(w, newText);
+    tree::afterLabelEdit(treeEvents, Treeview, Table, newText);
 }
 
 void Form1::treeviewSelect(NodeRef node) {
-    treeSelected = node;
+    treeEvents.treeSelected = node;
 }
 
 void Form1::treeviewExpand(NodeRef node, bool expanded) {
@@ -88,7 +65,7 @@ void Form1::treeviewExpand(NodeRef node, bool expanded) {
 void Form1::treeviewLabelEdited(NodeRef node, const std::string& label) {
     // The edited node is the selected one; the handler gives it the label (and an item's line
     // its title).
-    treeSelected = node;
+    treeEvents.treeSelected = node;
     treeviewAfterLabelEdit(label);
 }
 
@@ -97,23 +74,19 @@ void Form1::formUnload() {
 }
 
 void Form1::treeviewStartDrag() {
-    tree::TreeWindow w = windowOf(*this);
-    tree::startDrag(w);
+    tree::startDrag(treeEvents);
 }
 
 int Form1::treeviewDragOver(double x, double y) {
-    tree::TreeWindow w = windowOf(*this);
-    return tree::dragOver(w, x, y);
+    return tree::dragOver(treeEvents, Treeview, treePort, x, y, Timer1.enabled);
 }
 
 void Form1::treeviewDragDrop(const std::string& draggedKey, double x, double y) {
-    tree::TreeWindow w = windowOf(*this);
-    tree::dragDrop(w, draggedKey, x, y);
+    tree::dragDrop(treeEvents, Treeview, treePort, draggedKey, x, y);
 }
 
 void Form1::timer1Tick() {
-    tree::TreeWindow w = windowOf(*this);
-    tree::timerTick(w);
+    tree::timerTick(treeEvents, Treeview, treePort);
 }
 
 void Form1::formDragOver(const std::string&) {
@@ -126,36 +99,37 @@ void Form1::menuClick(const std::string& entry) {
     commitEditors();
     // The pop-ups open only on a node, which makes it current; without one there is nothing
     // to act on.
-    if (currentNodeKey.empty()) {
+    if (treeEvents.currentNodeKey.empty()) {
         return;
     }
     if (entry == "addsub") {
-        tree::addSubmenu(Treeview, tree, currentNodeKey, TreeNodes::kChild);
+        tree::addSubmenu(Treeview, tree, treeEvents.currentNodeKey, TreeNodes::kChild);
     } else if (entry == "addabove1" || entry == "addabove2") {
-        tree::addSubmenu(Treeview, tree, currentNodeKey, TreeNodes::kPrevious);
+        tree::addSubmenu(Treeview, tree, treeEvents.currentNodeKey, TreeNodes::kPrevious);
     } else if (entry == "addbelow2") {
-        tree::addSubmenu(Treeview, tree, currentNodeKey, TreeNodes::kNext);
+        tree::addSubmenu(Treeview, tree, treeEvents.currentNodeKey, TreeNodes::kNext);
     } else if (entry == "remove1" || entry == "remove2") {
-        tree::removeNode(Table, Treeview, currentNodeKey, 1, markingColor, defaultCellColor,
-                         normalColor);
+        tree::removeNode(Table, Treeview, treeEvents.currentNodeKey, 1, markingColor,
+                         defaultCellColor, normalColor);
     } else if (entry == "removechilden") {
-        tree::removeNode(Table, Treeview, currentNodeKey, 0, markingColor, defaultCellColor,
-                         normalColor);
+        tree::removeNode(Table, Treeview, treeEvents.currentNodeKey, 0, markingColor,
+                         defaultCellColor, normalColor);
     } else if (entry == "addimage") {
-        tree::addImage(host, Treeview, tree, Imagedir.text, currentNodeKey, currentSubmenuSerial);
+        tree::addImage(host, Treeview, tree, Imagedir.text, treeEvents.currentNodeKey,
+                       treeEvents.currentSubmenuSerial);
     }
 }
 
 void Form1::expandClick() {
-    tree::setAllExpanded(Treeview, currentNodeKey, true);
+    tree::setAllExpanded(Treeview, treeEvents.currentNodeKey, true);
 }
 
 void Form1::colapseClick() {
-    tree::setAllExpanded(Treeview, currentNodeKey, false);
+    tree::setAllExpanded(Treeview, treeEvents.currentNodeKey, false);
 }
 
 void Form1::onlymenusClick() {
-    tree::showMenusOnly(Treeview, currentNodeKey);
+    tree::showMenusOnly(Treeview, treeEvents.currentNodeKey);
 }
 
 void Form1::showRowBitmap(int row) {

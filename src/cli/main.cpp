@@ -115,8 +115,9 @@ int run(const Options& o) {
         }
         // The check before saving refused (no dialog), or the writer reported empty submenus
         // or rows it left out.
-        lost = lost || host.saveDialogs == 0 || !form.saved || host.messageCount != messagesBefore;
-        if (form.saved) {
+        lost = lost || host.saveDialogs == 0 || !form.saveRecord.saved ||
+               host.messageCount != messagesBefore;
+        if (form.saveRecord.saved) {
             if (const std::optional<RuntimeError> e = reopenError(o.resave)) {
                 std::fprintf(o.json ? stderr : stdout,
                              "%s: the saved file cannot be opened again: run-time error %d (%s)\n",

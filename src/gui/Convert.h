@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <string>
+#include <string_view>
 
 #include "platform/Text.h"
 
@@ -11,7 +12,7 @@
 // Qt's text is Unicode.
 namespace vkl::gui {
 
-inline QString fromCp1252(const std::string& s) {
+inline QString fromCp1252(std::string_view s) {
     return QString::fromStdString(text::cp1252ToUtf8(s));
 }
 

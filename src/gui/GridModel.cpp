@@ -127,7 +127,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     }
     switch (role) {
         case Qt::DisplayRole:
-            return fromCp1252(grid_.textMatrix(r, index.column()));
+            return fromCp1252(grid_.textView(r, index.column()));
         case Qt::BackgroundRole: {
             const QColor c = color(grid_.backColorAt(r, index.column()));
             return c.isValid() ? QVariant(c) : QVariant();
@@ -152,7 +152,7 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
         return QAbstractTableModel::headerData(section, orientation, role);
     }
     if (role == Qt::DisplayRole) {
-        return fromCp1252(grid_.textMatrix(0, section));
+        return fromCp1252(grid_.textView(0, section));
     }
     return {};
 }

@@ -509,7 +509,7 @@ void MainWindow::connectTree() {
         if (!run([this] { form_.treeviewStartDrag(); })) {
             return QString();
         }
-        const NodeRef n = form_.treeSelected;
+        const NodeRef n = form_.treeEvents.treeSelected;
         return form_.Treeview.alive(n) ? fromCp1252(form_.Treeview.key(n)) : QString();
     };
     tree_->draggedOver = [this](QPointF at) {
@@ -1159,7 +1159,7 @@ QRect MainWindow::cellRect(int gridRow, int gridCol) const {
 }
 
 void MainWindow::placeOverlays() {
-    const QRect cell = cellRect(form_.editRow, form_.editCol);
+    const QRect cell = cellRect(form_.edit.row, form_.edit.col);
     if (!cell.isValid()) {
         return;
     }
@@ -1172,10 +1172,11 @@ void MainWindow::placeOverlays() {
 }
 
 void MainWindow::syncTree() {
-    const NodeRef highlight =
-        form_.Treeview.alive(form_.treeDropHighlight) ? form_.treeDropHighlight : NodeRef{};
+    const NodeRef highlight = form_.Treeview.alive(form_.treeEvents.treeDropHighlight)
+                                  ? form_.treeEvents.treeDropHighlight
+                                  : NodeRef{};
     treeModel_->setDropHighlight(highlight);
-    const QModelIndex wanted = treeModel_->indexOf(form_.treeSelected);
+    const QModelIndex wanted = treeModel_->indexOf(form_.treeEvents.treeSelected);
     if (tree_->currentIndex() != wanted) {
         tree_->selectionModel()->setCurrentIndex(wanted, wanted.isValid()
                                                              ? QItemSelectionModel::ClearAndSelect

@@ -142,8 +142,7 @@ namespace {
 
 class MenuWriter {
   public:
-    MenuWriter(LineWriter& out, const MenuModel& m, bool english, Host& host,
-               const SaveRecord& record)
+    MenuWriter(LineWriter& out, const MenuModel& m, bool english, Host& host, SaveRecord& record)
         : out_(out), m_(m), english_(english), host_(host), record_(record) {}
 
     void writeHead() {
@@ -268,14 +267,14 @@ class MenuWriter {
     const MenuModel& m_;
     bool english_;
     Host& host_;
-    const SaveRecord& record_;
+    SaveRecord& record_;
     std::string indent_;
 };
 
 }  // namespace
 
 void writeMenuFile(const std::string& path, const MenuModel& source, int16_t languageCode,
-                   Host& host, const SaveRecord& record) {
+                   Host& host, SaveRecord& record) {
     record.skippedCount = 0;
     record.skippedRows.clear();
     record.saved = false;

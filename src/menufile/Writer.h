@@ -78,15 +78,15 @@ bool checkBeforeSaving(const Grid& grid, Host& host, int16_t languageCode);
 
 // What the writer records of one save, kept by its caller.
 struct SaveRecord {
-    std::vector<int16_t>& skippedRows;  // rows of item nodes that could not be written
-    int16_t& skippedCount;
-    bool& saved;  // true once the file is closed
+    std::vector<int16_t> skippedRows;  // rows of item nodes that could not be written
+    int16_t skippedCount = 0;
+    bool saved = false;  // true once the file is closed
 };
 
 // Writes the menu: comment block, header, SHORTCUT lines, then the tree depth-first with the
 // item lines taken from the table. Incomplete rows are left out and listed at the end, empty
 // submenus are reported one by one. Nothing is written when the check finds no good row.
 void writeMenuFile(const std::string& path, const MenuModel& source, int16_t languageCode,
-                   Host& host, const SaveRecord& record);
+                   Host& host, SaveRecord& record);
 
 }  // namespace vkl::menufile

@@ -66,7 +66,7 @@ std::string& Grid::ownText(Row& row, int c) {
 void Grid::store(Row& row, int c, std::string_view text) {
     const auto at = static_cast<size_t>(c);
     if ((row.kept >> c & 1) == 0) {
-        // Someone holds this cell's own string: it takes the new text.
+        // A cell too long for the line's offsets keeps a string of its own.
         text::copyInto((*row.own)[at], text);
         return;
     }
@@ -289,11 +289,6 @@ void Grid::notifyCell(int r, int c) {
     } else if (observer_.cellChanged) {
         observer_.cellChanged(r, c);
     }
-}
-
-const std::string& Grid::textMatrix(int r, int c) const {
-    checkCol(c);
-    return ownText(rowAt(r), c);
 }
 
 void Grid::setTextMatrix(int r, int c, std::string_view text) {

@@ -62,11 +62,8 @@ class Grid {
     int topRow() const { return topRow_; }
     void setTopRow(int r);
 
-    // A cell keeps the string this returns until its row is removed, and the string follows
-    // every later write of the cell.
-    const std::string& textMatrix(int r, int c) const;
-    // The same text as a view, without making the cell a string of its own: for reading many
-    // cells once (checking, writing or listing a menu). Valid until the cell or its row changes.
+    std::string textMatrix(int r, int c) const { return std::string(textView(r, c)); }
+    // The same text as a view, without a copy: valid until the cell or its row changes.
     std::string_view textView(int r, int c) const {
         checkCol(c);
         return textOf(rowAt(r), c);
@@ -76,12 +73,11 @@ class Grid {
     // Sets the texts of all columns of row r at once, as setTextMatrix column by column would.
     void setRowTexts(int r, const std::array<std::string_view, kCols>& texts);
     // The same for texts that are mostly parts of one line (the fields of a line read from a
-    // file): the row keeps one copy of the line, and a cell makes a string of its own part
-    // only when textMatrix is first asked for it.
+    // file): the row keeps one copy of the line and its cells are parts of it.
     void setRowTexts(int r, std::string_view line,
                      const std::array<std::string_view, kCols>& texts);
     // The text of the current cell.
-    const std::string& text() const { return textMatrix(row_, col_); }
+    std::string text() const { return textMatrix(row_, col_); }
     void setText(std::string_view t) { setTextMatrix(row_, col_, t); }
 
     // The back colour of the current cell; an unset cell reads 0.
@@ -125,9 +121,8 @@ class Grid {
 
   private:
     // A row keeps the texts of its cells in one string, line: cell c is the part [from[c],
-    // from[c] + size[c]) of it while bit c of kept is set. The cells' own strings (own) are
-    // made only for textMatrix, which hands out references; a cell that has its own string
-    // keeps using it. Most rows of a file read never need them, so a row stays small.
+    // from[c] + size[c]) of it while bit c of kept is set. A text too long for the 16-bit
+    // offsets goes into the cell's own string (own) instead, and the cell keeps using it.
     struct Row {
         std::array<Color, kCols> back{};
         uint8_t kept = 0;

@@ -52,83 +52,11 @@ void TreeNodes::clear() {
     for (KeyStem& s : stems_) {
         std::fill(s.byNumber.begin(), s.byNumber.end(), -1);
     }
-    std::fill(keyTable_.begin(), keyTable_.end(), KeyEntry{});
-    keyCount_ = 0;
+    keyIndex_.clear();
     endBulk();
 }
 
 // ---- Key index -----------------------------------------------------------------------------
-
-uint32_t TreeNodes::hashKey(std::string_view key) {
-    uint32_t h = 2166136261u;  // FNV-1a
-    for (const char c : key) {
-        h = (h ^ static_cast<unsigned char>(c)) * 16777619u;
-    }
-    return h;
-}
-
-size_t TreeNodes::home(uint32_t hash) const {
-    // Multiplicative spreading: keys that differ in their last digit land far apart.
-    return static_cast<size_t>(static_cast<uint32_t>(hash * 2654435769u) >> keyShift_);
-}
-
-size_t TreeNodes::probe(std::string_view key, uint32_t hash) const {
-    const size_t mask = keyTable_.size() - 1;
-    for (size_t at = home(hash);; at = (at + 1) & mask) {
-        const KeyEntry& e = keyTable_[at];
-        if (e.slot < 0 || (e.hash == hash && nodes_[static_cast<size_t>(e.slot)].key == key)) {
-            return at;
-        }
-    }
-}
-
-void TreeNodes::reserveKeys(size_t more) {
-    // At most half full, so that probes stay short and always end at a free place.
-    size_t size = keyTable_.size();
-    if ((keyCount_ + more) * 2 <= size) {
-        return;
-    }
-    if (size == 0) {
-        size = 16;
-    }
-    while ((keyCount_ + more) * 2 > size) {
-        size *= 2;
-    }
-    std::vector<KeyEntry> old(size);
-    old.swap(keyTable_);
-    keyShift_ = 32;
-    for (size_t s = size; s > 1; s /= 2) {
-        --keyShift_;
-    }
-    const size_t mask = size - 1;
-    for (const KeyEntry& e : old) {
-        if (e.slot >= 0) {
-            size_t at = home(e.hash);
-            while (keyTable_[at].slot >= 0) {
-                at = (at + 1) & mask;
-            }
-            keyTable_[at] = e;
-        }
-    }
-}
-
-void TreeNodes::erasePlace(size_t place) {
-    // Backward shift: later entries of the same probe run move up so that no search stops
-    // early at the freed place.
-    const size_t mask = keyTable_.size() - 1;
-    size_t gap = place;
-    for (size_t at = (gap + 1) & mask; keyTable_[at].slot >= 0; at = (at + 1) & mask) {
-        const size_t want = home(keyTable_[at].hash);
-        // The entry may fill the gap unless its home lies cyclically in (gap, at].
-        const bool stays = gap <= at ? (want > gap && want <= at) : (want > gap || want <= at);
-        if (!stays) {
-            keyTable_[gap] = keyTable_[at];
-            gap = at;
-        }
-    }
-    keyTable_[gap] = KeyEntry{};
-    --keyCount_;
-}
 
 bool TreeNodes::splitKey(std::string_view key, std::string_view& stem, uint32_t& number) {
     size_t at = key.size();
@@ -225,10 +153,8 @@ int32_t TreeNodes::findSlot(std::string_view key) const {
     if (const KeyStem* s = matchStem(key, number)) {
         return number < s->byNumber.size() ? s->byNumber[number] : -1;
     }
-    if (keyCount_ == 0) {
-        return -1;
-    }
-    return keyTable_[probe(key, hashKey(key))].slot;
+    const auto it = keyIndex_.find(std::string(key));
+    return it == keyIndex_.end() ? -1 : it->second;
 }
 
 void TreeNodes::indexKey(int32_t slot) {
@@ -247,15 +173,7 @@ bool TreeNodes::tryIndexKey(int32_t slot) {
         *cell = slot;
         return true;
     }
-    reserveKeys(1);
-    const uint32_t hash = hashKey(key);
-    const size_t place = probe(key, hash);
-    if (keyTable_[place].slot >= 0) {
-        return false;
-    }
-    keyTable_[place] = {hash, slot};
-    ++keyCount_;
-    return true;
+    return keyIndex_.emplace(key, slot).second;
 }
 
 void TreeNodes::unindexKey(int32_t slot) {
@@ -269,12 +187,9 @@ void TreeNodes::unindexKey(int32_t slot) {
         }
         return;
     }
-    if (keyCount_ == 0) {
-        return;
-    }
-    const size_t at = probe(key, hashKey(key));
-    if (keyTable_[at].slot == slot) {
-        erasePlace(at);
+    const auto it = keyIndex_.find(key);
+    if (it != keyIndex_.end() && it->second == slot) {
+        keyIndex_.erase(it);
     }
 }
 
@@ -749,10 +664,9 @@ std::vector<std::pair<NodeRef, long>> TreeNodes::numberedFrom(std::string_view p
             }
         }
     }
-    for (const KeyEntry& e : keyTable_) {
-        if (e.slot > 0 && nodes_[static_cast<size_t>(e.slot)].alive &&
-            startsWith(nodes_[static_cast<size_t>(e.slot)].key, prefix)) {
-            out.emplace_back(refOf(e.slot), -1L);
+    for (const auto& [key, slot] : keyIndex_) {
+        if (slot > 0 && nodes_[static_cast<size_t>(slot)].alive && startsWith(key, prefix)) {
+            out.emplace_back(refOf(slot), -1L);
         }
     }
     return out;
@@ -774,8 +688,8 @@ bool TreeNodes::closeNumberGap(std::string_view stem, long gap) {
             return false;
         }
     }
-    for (const KeyEntry& e : keyTable_) {
-        if (e.slot > 0 && startsWith(nodes_[static_cast<size_t>(e.slot)].key, stem)) {
+    for (const auto& [key, slot] : keyIndex_) {
+        if (slot > 0 && startsWith(key, stem)) {
             return false;
         }
     }

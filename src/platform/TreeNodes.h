@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/Text.h"
@@ -188,12 +189,6 @@ class TreeNodes {
         bool alive = true;
     };
 
-    // One place of the hashed key index: a slot (negative when the place is free) and the
-    // hash of its node's key, so that probing compares texts only on a full hash match.
-    struct KeyEntry {
-        uint32_t hash = 0;
-        int32_t slot = -1;
-    };
     // Keys made of a stem and a number ("Child12", "Menu3": every key the editor gives) are
     // indexed by number in one array per stem, which the reader fills in order.
     struct KeyStem {
@@ -247,8 +242,7 @@ class TreeNodes {
                        std::string_view text, std::string_view image);
     int32_t* stemCellOf(KeyStem& stem, uint32_t number);
 
-    // The key index. Stem-and-number keys go to the stem arrays; all others to a hash table
-    // (open addressing, linear probing) over the keys held by the nodes.
+    // The key index. Stem-and-number keys go to the stem arrays; all others to a hash map.
     static bool numberOf(std::string_view digits, uint32_t& number);
     static bool splitKey(std::string_view key, std::string_view& stem, uint32_t& number);
     KeyStem* matchStem(std::string_view key, uint32_t& number) const;
@@ -256,12 +250,6 @@ class TreeNodes {
     // The stem array cell of key, grown to hold it when make is set; null when the key is not
     // of that form (or, without make, beyond the array).
     int32_t* stemCell(std::string_view key, bool make);
-    static uint32_t hashKey(std::string_view key);
-    size_t home(uint32_t hash) const;
-    // The place holding key, or the free place where a search for it ends.
-    size_t probe(std::string_view key, uint32_t hash) const;
-    void reserveKeys(size_t more);
-    void erasePlace(size_t place);
     int32_t findSlot(std::string_view key) const;  // negative when no node has the key
     void indexKey(int32_t slot);                   // the node's key must not be indexed yet
     bool tryIndexKey(int32_t slot);  // false, and nothing indexed, when the key is taken
@@ -277,9 +265,7 @@ class TreeNodes {
     mutable std::vector<int32_t> unfolded_;
     std::vector<KeyStem> stems_;
     mutable size_t lastStem_ = 0;  // where the stems are searched first
-    std::vector<KeyEntry> keyTable_;
-    size_t keyCount_ = 0;
-    int keyShift_ = 32;
+    std::unordered_map<std::string, int32_t> keyIndex_;
     uint64_t nextUid_ = 1;
     int bulk_ = 0;
     Observer observer_;

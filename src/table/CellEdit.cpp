@@ -70,23 +70,22 @@ bool bitmapKeyFilter(int& keyAscii, int16_t typedCount) {
     return false;
 }
 
-void titleToTree(TreeNodes& nodes, int editCol, int editRow, const std::string& editorText) {
-    if (editCol != kTitleColumn) {
+void titleToTree(TreeNodes& nodes, const EditState& edit, const std::string& editorText) {
+    if (edit.col != kTitleColumn) {
         return;
     }
-    const NodeRef node = nodeOfRow(nodes, editRow);
+    const NodeRef node = nodeOfRow(nodes, edit.row);
     if (!node.isNull()) {
         nodes.setText(node, editorText);
     }
 }
 
-void commitCode(Grid& grid, int editRow, int editCol, const std::optional<std::string>& code,
-                std::string& lastCode) {
+void commitCode(Grid& grid, EditState& edit, const std::optional<std::string>& code) {
     if (!code) {
         return;
     }
-    grid.setTextMatrix(editRow, editCol, *code);
-    lastCode = *code;
+    grid.setTextMatrix(edit.row, edit.col, *code);
+    edit.lastCode = *code;
 }
 
 void repeatCode(Grid& grid, const std::string& lastCode) {

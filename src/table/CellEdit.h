@@ -21,6 +21,17 @@ inline constexpr int kParameterColumn = 4;
 // Keys the bitmap column takes after the one that started the edit.
 inline constexpr int kBitmapKeyLimit = 4;
 
+// What an edit in place remembers: the cell it started on, the keys typed since, the last code
+// chosen from the drop-down, and the label the row's item node had when a title edit started
+// (an edit dropped by Escape gives it back).
+struct EditState {
+    int16_t col = 0;
+    int16_t row = 0;
+    int16_t typedCount = 0;
+    std::string lastCode;
+    std::optional<std::string> labelBefore;
+};
+
 // Lower-case "a".."z" become upper case; every other code is returned as it is.
 int upperLetter(int keyAscii);
 
@@ -55,12 +66,11 @@ int16_t countKey(int16_t typedCount, int keyAscii);
 bool bitmapKeyFilter(int& keyAscii, int16_t typedCount);
 
 // A title edit renames the item node of the edited row; edits of other columns do nothing.
-void titleToTree(TreeNodes& nodes, int editCol, int editRow, const std::string& editorText);
+void titleToTree(TreeNodes& nodes, const EditState& edit, const std::string& editorText);
 
-// The drop-down's choice: a known code goes into (editRow, editCol) and is remembered as the
-// last code; no code (a text that names no entry) writes nothing.
-void commitCode(Grid& grid, int editRow, int editCol, const std::optional<std::string>& code,
-                std::string& lastCode);
+// The drop-down's choice: a known code goes into the edited cell and is remembered as the last
+// code; no code (a text that names no entry) writes nothing.
+void commitCode(Grid& grid, EditState& edit, const std::optional<std::string>& code);
 
 // A mouse press on the action column stamps the last chosen code into the current cell.
 void repeatCode(Grid& grid, const std::string& lastCode);

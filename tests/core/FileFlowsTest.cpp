@@ -144,10 +144,10 @@ TEST_F(FileFlows, OpenEditorsAreTakenOverBeforeRowsGo) {
     ASSERT_EQ(shape(), "Menu0{Menu2{Child3 Child4} Child5}");
     startEdit(4, 3, 'd');
     form.Combo1.text = "Function";
-    form.currentNodeKey = "Menu2";
+    form.treeEvents.currentNodeKey = "Menu2";
     form.menuClick("removechilden");
     EXPECT_FALSE(form.Combo1.visible);
-    EXPECT_EQ(form.lastCode, "F");
+    EXPECT_EQ(form.edit.lastCode, "F");
     EXPECT_EQ(form.Table.rows(), 4);
 }
 

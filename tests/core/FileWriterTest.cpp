@@ -21,13 +21,10 @@ using Lines = std::vector<std::string>;
 
 struct Saving {
     test::ScriptedHost host;
-    std::vector<int16_t> skippedRows{7};  // left from an earlier save
-    int16_t skippedCount = 1;
-    bool saved = true;
+    menufile::SaveRecord record{{7}, 1, true};  // left from an earlier save
 
     void save(Model& m, const std::string& path, int16_t language = 1) {
-        menufile::writeMenuFile(path, m.model(), language, host,
-                                {skippedRows, skippedCount, saved});
+        menufile::writeMenuFile(path, m.model(), language, host, record);
     }
     std::string prompts() const {
         std::string p;
@@ -59,7 +56,7 @@ TEST(FileWriter, CheckCountsRowsFromTheirFirstFilledCellAndRefusesWithoutAGoodOn
     s.save(m, dir.file("new.vkl"), 2);
     EXPECT_EQ(readBytes(dir.file("old.vkl")), "old contents");
     EXPECT_FALSE(fs::exists(dir.file("new.vkl")));
-    EXPECT_TRUE(!s.saved && s.skippedCount == 0 && s.skippedRows.empty());
+    EXPECT_TRUE(!s.record.saved && s.record.skippedCount == 0 && s.record.skippedRows.empty());
     ASSERT_EQ(s.host.messages.size(), 2u);
     EXPECT_EQ(s.host.messages[0].title, "Check before saving failed !");
     EXPECT_EQ(s.host.messages[1].title, "Kontrolle vor dem Abspeichern ist gescheitert !");
@@ -88,10 +85,8 @@ TEST(FileWriter, HeadHoldsCommentsLibraryNameAndShortcutForms) {
     m.shortcuts.pairs[0] = {"datadir", "C:\\d"};
     m.shortcuts.pairs[1] = {"k", ""};  // an empty value is not written
     TickingHost host;
-    std::vector<int16_t> rows;
-    int16_t count = 0;
-    bool saved = false;
-    menufile::writeMenuFile(dir.file("m.vkl"), m.model(), 1, host, {rows, count, saved});
+    menufile::SaveRecord record;
+    menufile::writeMenuFile(dir.file("m.vkl"), m.model(), 1, host, record);
     EXPECT_EQ(linesFrom(dir.file("m.vkl"), 14).substr(0, 11), "1203004000 ");
     EXPECT_EQ(linesFrom(dir.file("m.vkl")),
               "SHORTCUT|datadir|C:\\d\nSHORTCUT|C:\\dd|C:\\dd\nSHORTCUT||I:\\img\nI|b|F|p\n");
@@ -118,9 +113,9 @@ TEST(FileWriter, TreeWalkWritesNodesDepthFirstFromTheirRows) {
         EXPECT_EQ(linesFrom(dir.file("walk.vkl")),
                   "Top|top.bmp|S|Top\n  SUB OF ITEM|s.bmp|D|d\n PKG|p.bmp|LOS|C:\\p\\x.pkg\n"
                   " Broken||S|Broken\nLAST|l.bmp|F|shown\n");
-        EXPECT_TRUE(s.saved);
-        EXPECT_EQ(s.skippedRows, (std::vector<int16_t>{1, 4}));
-        EXPECT_EQ(s.skippedCount, 2);
+        EXPECT_TRUE(s.record.saved);
+        EXPECT_EQ(s.record.skippedRows, (std::vector<int16_t>{1, 4}));
+        EXPECT_EQ(s.record.skippedCount, 2);
         EXPECT_FALSE(s.host.messages.at(0).title || s.host.messages.at(1).title);
         EXPECT_EQ(s.prompts(), language == 1
                                    ? "Menu 'Empty' without children is ignored !\n"

@@ -57,8 +57,8 @@ TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
     EXPECT_TRUE(e.form.Text1.hasFocus);
     EXPECT_EQ(e.form.Text1.text, "A");
     EXPECT_EQ(e.form.Text1.selStart, 1);
-    EXPECT_EQ(e.form.editRow, 2);
-    EXPECT_EQ(e.form.editCol, 1);
+    EXPECT_EQ(e.form.edit.row, 2);
+    EXPECT_EQ(e.form.edit.col, 1);
     EXPECT_EQ(e.node(2), "A");  // the title reaches the node as it is typed
 
     e.form.commitText();
@@ -68,13 +68,13 @@ TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
     EXPECT_EQ(e.node(3), "T");            // other columns leave the node alone
 
     // The action column opens the drop-down; the text box stays as it was, the cell too.
-    e.form.typedCount = 3;
+    e.form.edit.typedCount = 3;
     e.start(1, 3, 'x');
     EXPECT_TRUE(e.form.Combo1.visible);
     EXPECT_TRUE(e.form.Text1.visible);
     EXPECT_EQ(e.form.Text1.text, "param 3");
     EXPECT_EQ(e.form.Table.textMatrix(1, 3), "");
-    EXPECT_EQ(e.form.typedCount, 0);
+    EXPECT_EQ(e.form.edit.typedCount, 0);
     e.start(1, 2, '5');  // a text edit hides the drop-down
     EXPECT_FALSE(e.form.Combo1.visible);
     EXPECT_EQ(e.form.Text1.text, "5");
@@ -118,7 +118,7 @@ TEST(TableEdit, BitmapColumnTakesFourUpperCaseKeys) {
     e.start(1, 2, 'y');  // Backspace gives a key back
     e.type("ab\bcde");
     EXPECT_TRUE(e.form.Text1.visible);
-    EXPECT_EQ(e.form.typedCount, 4);
+    EXPECT_EQ(e.form.edit.typedCount, 4);
     e.type("f");
     EXPECT_EQ(e.form.Table.col(), 3);
 
@@ -143,13 +143,13 @@ TEST(TableEdit, DropDownWritesCodesAndRepeatsTheLastOne) {
         e.form.Table.setRow(3);  // the code goes to the cell where the edit started
         e.form.combo1Click(label);
         EXPECT_EQ(e.form.Table.textMatrix(1, 3), code);
-        EXPECT_EQ(e.form.lastCode, code);
+        EXPECT_EQ(e.form.edit.lastCode, code);
         EXPECT_FALSE(e.form.Combo1.visible);
     }
     e.start(1, 3, 'p');
     e.form.combo1Click("pkg");  // labels match exactly
     EXPECT_EQ(e.form.Table.textMatrix(1, 3), "D");
-    EXPECT_EQ(e.form.lastCode, "D");
+    EXPECT_EQ(e.form.edit.lastCode, "D");
     EXPECT_FALSE(e.form.Combo1.visible);
 
     e.form.Table.setRow(2);

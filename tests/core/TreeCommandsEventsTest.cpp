@@ -84,23 +84,23 @@ struct Window {
 
 TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {
     Window w({"M", " Through", "M", " Saw"});  // as a file with two submenus leaves it
-    w.form.currentNodeKey = "Menu1";
+    w.form.treeEvents.currentNodeKey = "Menu1";
     for (int i = 0; i < 3; ++i) {
         w.form.menuClick("addsub");
     }
     EXPECT_EQ(w.kids("Menu1"), (Keys{"Child1", "Menu3", "Menu4", "Menu5"}));
     EXPECT_EQ(w.tree().text(w.node("Menu4")), "MENU");
     EXPECT_EQ(w.tree().image(w.node("Menu4")), "folderclosed");
-    EXPECT_EQ(w.form.currentNodeKey, "Menu1");
+    EXPECT_EQ(w.form.treeEvents.currentNodeKey, "Menu1");
 
-    w.form.currentNodeKey = "Child1";
+    w.form.treeEvents.currentNodeKey = "Child1";
     for (const char* entry : {"addabove1", "addabove2", "addbelow2"}) {
         w.form.menuClick(entry);
     }
     EXPECT_EQ(w.kids("Menu1"),
               (Keys{"Menu6", "Menu7", "Child1", "Menu8", "Menu3", "Menu4", "Menu5"}));
 
-    w.form.currentNodeKey = "Menu99";
+    w.form.treeEvents.currentNodeKey = "Menu99";
     try {
         w.form.menuClick("addsub");
         FAIL() << "a key naming no node raises the control's error";
@@ -114,7 +114,7 @@ TEST(TreeCommands, RemoveDeletesTheRowsOfTheItemsBelow) {
     // An item goes alone with its row whatever the command; nested rows stay without nodes.
     for (const char* entry : {"remove1", "remove2", "removechilden"}) {
         Window item({"top", " nested", "  deeper", "next"});
-        item.form.currentNodeKey = "Child1";
+        item.form.treeEvents.currentNodeKey = "Child1";
         item.form.menuClick(entry);
         EXPECT_EQ(item.titles(), (Keys{"nested", "deeper", "next"})) << entry;
         EXPECT_EQ(item.kids("Menu0"), (Keys{"Child3"})) << entry;
@@ -122,7 +122,7 @@ TEST(TreeCommands, RemoveDeletesTheRowsOfTheItemsBelow) {
     }
     for (const char* entry : {"remove1", "remove2"}) {
         Window w({"M", " a", " M", "  b", "c"});
-        w.form.currentNodeKey = "Menu1";
+        w.form.treeEvents.currentNodeKey = "Menu1";
         w.form.menuClick(entry);
         EXPECT_EQ(w.titles(), (Keys{"c"})) << entry;
         EXPECT_EQ(w.kids("Menu0"), (Keys{"Child1"})) << entry;
@@ -205,7 +205,7 @@ int randomMenu(Window& w, unsigned seed) {
         }
     }
     w.form.Table.setRow(1 + static_cast<int>(pick(static_cast<size_t>(rows))));
-    w.form.currentNodeKey = folders[pick(folders.size())];
+    w.form.treeEvents.currentNodeKey = folders[pick(folders.size())];
     return static_cast<int>(pick(2));
 }
 
@@ -222,12 +222,12 @@ TEST(TreeCommands, RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel) {
             errors[0] = e.number();
         }
         try {
-            const NodeRef n = literal.node(literal.form.currentNodeKey);
+            const NodeRef n = literal.node(literal.form.treeEvents.currentNodeKey);
             if (literal.tree().children(n) > 0) {
                 markLiterally(literal.form, n);
             }
             if (value == 1) {
-                literal.tree().remove(literal.node(literal.form.currentNodeKey));
+                literal.tree().remove(literal.node(literal.form.treeEvents.currentNodeKey));
             }
         } catch (const RuntimeError& e) {
             errors[1] = e.number();
@@ -240,8 +240,8 @@ TEST(TreeCommands, RemovingAFolderEqualsPurgingAtTheEndOfEveryLevel) {
 TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     Window w({"M", " a"});
     Form1& f = w.form;
-    f.currentNodeKey = "Menu1";
-    f.currentSubmenuSerial = 5;
+    f.treeEvents.currentNodeKey = "Menu1";
+    f.treeEvents.currentSubmenuSerial = 5;
     f.tree.submenuBitmaps = {"", "", "two.bmp"};
     f.tree.highestBitmapSerial = 2;
     f.Imagedir.text = "/data/images";
@@ -259,8 +259,8 @@ TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     EXPECT_EQ(w.tree().image(w.node("Menu1")), "image_here");
 
     // On an item: its image changes, the path goes to the folder clicked last.
-    f.currentNodeKey = "Child1";
-    f.currentSubmenuSerial = 1;
+    f.treeEvents.currentNodeKey = "Child1";
+    f.treeEvents.currentSubmenuSerial = 1;
     w.host.openAnswers = {test::ScriptedHost::pick("/x/y.bmp")};
     f.menuClick("addimage");
     EXPECT_EQ(f.tree.submenuBitmaps[1], "/x/y.bmp");
@@ -284,20 +284,20 @@ TEST(TreeEvents, ItemClickScrollsToTheLineAndMovesTheHighlight) {
     f.treeviewNodeClick("Child11");
     EXPECT_EQ(f.Table.topRow(), 6);
     expectLine(f.Table, 11, f.highlightColor);
-    EXPECT_EQ(f.treeSelected, w.node("Child11"));
+    EXPECT_EQ(f.treeEvents.treeSelected, w.node("Child11"));
 
     f.treeviewNodeClick("Child10");
     EXPECT_EQ(f.Table.topRow(), 1);
     expectLine(f.Table, 11, kDefaultCell);
     expectLine(f.Table, 10, f.highlightColor);
-    EXPECT_EQ(f.selectedRow, 10);
+    EXPECT_EQ(f.treeEvents.selectedRow, 10);
 
     f.Table.setBackColorAt(15, 1, f.highlightColor);  // the last highlighted line counts
     f.treeviewNodeClick("Menu1");
-    EXPECT_EQ(f.selectedRow, 15);
+    EXPECT_EQ(f.treeEvents.selectedRow, 15);
     expectLine(f.Table, 15, kDefaultCell);
     EXPECT_EQ(f.Table.backColorAt(10, 1), f.highlightColor);
-    EXPECT_EQ(f.currentSubmenuSerial, 1);
+    EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 1);
     EXPECT_TRUE(w.host.messages.empty());  // no bitmap entry: nothing shown
 }
 
@@ -314,14 +314,14 @@ TEST(TreeEvents, MouseDownOpensThePopupOfTheNodeKind) {
     f.treeviewMouseDown(2, 0, 0, 10);
     EXPECT_EQ(w.kids("Menu0").back(), "Menu3");  // the chosen entry ran on the root
     f.treeviewMouseDown(2, 0, 0, 30);
-    EXPECT_EQ(f.popupNode, w.node("Child1"));
-    EXPECT_EQ(f.currentNodeKey, "Child1");
+    EXPECT_EQ(f.treeEvents.popupNode, w.node("Child1"));
+    EXPECT_EQ(f.treeEvents.currentNodeKey, "Child1");
     f.treeviewMouseDown(2, 0, 0, 40);
-    EXPECT_EQ(f.currentSubmenuSerial, 2);
+    EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 2);
     f.treeviewMouseDown(1, 0, 0, 20);
-    EXPECT_EQ(f.treeSelected, w.node("Menu1"));
+    EXPECT_EQ(f.treeEvents.treeSelected, w.node("Menu1"));
     EXPECT_EQ(w.host.popups, (Keys{"Menu1", "Menu2", "menu3"}));
-    EXPECT_EQ(f.currentSubmenuSerial, 2);  // a left press leaves it
+    EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 2);  // a left press leaves it
 }
 
 TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
@@ -332,7 +332,7 @@ TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
     auto drag = [&](const std::string& key, double y) {
         f.treeviewStartDrag();
         f.treeviewDragDrop(key, 0, y);
-        EXPECT_FALSE(f.dragging);
+        EXPECT_FALSE(f.treeEvents.dragging);
     };
     drag("Child3", 1);  // onto an item
     EXPECT_EQ(w.parentKey("Child3"), "Menu0");
@@ -343,7 +343,7 @@ TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
     EXPECT_TRUE(w.host.messages.empty());
     drag("Child2", 3);  // a folder showing a bitmap hands the drop to its parent
     EXPECT_EQ(w.parentKey("Child2"), "Menu0");
-    EXPECT_EQ(f.currentNodeKey, "Menu3");
+    EXPECT_EQ(f.treeEvents.currentNodeKey, "Menu3");
     drag("Child4", 77);  // no node under the pointer
     EXPECT_EQ(w.parentKey("Child4"), "Menu3");
 }
@@ -358,10 +358,10 @@ TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
     f.treeviewStartDrag();
     EXPECT_EQ(f.treeviewDragOver(0, 50), 2);
     EXPECT_TRUE(f.Timer1.enabled);
-    EXPECT_EQ(f.scrollDirection, -1);
-    f.treeDropHighlight = {};
+    EXPECT_EQ(f.treeEvents.scrollDirection, -1);
+    f.treeEvents.treeDropHighlight = {};
     f.timer1Tick();
-    EXPECT_EQ(f.treeDropHighlight, w.node("Child1"));  // under the last position
+    EXPECT_EQ(f.treeEvents.treeDropHighlight, w.node("Child1"));  // under the last position
     EXPECT_EQ(f.treeviewDragOver(0, 150), 2);
     EXPECT_FALSE(f.Timer1.enabled);
     f.treeviewDragOver(0, 3850);
@@ -377,9 +377,9 @@ TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
 TEST(TreeEvents, LabelEditsReachTheTitleOfItemsOnly) {
     Window w({"M", "x"});
     w.form.Table.setTextMatrix(1, 1, "   Indented");
-    w.form.treeSelected = w.node("Child1");
+    w.form.treeEvents.treeSelected = w.node("Child1");
     w.form.treeviewAfterLabelEdit("Plain");
-    w.form.treeSelected = w.node("Menu1");
+    w.form.treeEvents.treeSelected = w.node("Menu1");
     w.form.treeviewAfterLabelEdit("Folder");
     EXPECT_EQ(w.titles(), (Keys{"Plain"}));
     EXPECT_EQ(w.tree().text(w.node("Child1")), "Plain");
@@ -392,7 +392,7 @@ TEST(TreeViews, ExpandCollapseAndMenusOnly) {
     t.setExpanded(w.node("Child3"), true);  // an item holding an item stays as it is
     w.form.expandClick();
     EXPECT_TRUE(t.expanded(w.node("Menu0")) && t.expanded(w.node("Menu1")));
-    EXPECT_EQ(w.form.currentNodeKey, "Child4");  // the last node in index order
+    EXPECT_EQ(w.form.treeEvents.currentNodeKey, "Child4");  // the last node in index order
     w.form.colapseClick();
     EXPECT_FALSE(t.expanded(w.node("Menu0")) || t.expanded(w.node("Menu2")));
     EXPECT_TRUE(t.expanded(w.node("Child3")));

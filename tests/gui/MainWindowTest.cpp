@@ -255,13 +255,13 @@ void MainWindowTest::treeFollowsTheFormBothWays() {
     nodes.endBulk();
     QVERIFY(tree->isExpanded(at(folder)));
 
-    e.form.treeSelected = one;
+    e.form.treeEvents.treeSelected = one;
     e.window.sync();
     QCOMPARE(tree->currentIndex(), at(one));
     tree->setCurrentIndex(at(folder));
-    QCOMPARE(e.form.treeSelected, folder);
+    QCOMPARE(e.form.treeEvents.treeSelected, folder);
 
-    e.form.treeDropHighlight = folder;
+    e.form.treeEvents.treeDropHighlight = folder;
     e.window.sync();
     QVERIFY(at(folder).data(Qt::BackgroundRole).isValid());
     QVERIFY(!at(one).data(Qt::BackgroundRole).isValid());
@@ -276,11 +276,11 @@ void MainWindowTest::treePressesReachTheForm() {
         QTest::mouseClick(viewport, Qt::RightButton, {}, e.nodeCentre(key));
     }
     QCOMPARE(e.host.popups, (std::vector<std::string>{"Menu1", "Menu2", "menu3"}));
-    QCOMPARE(e.form.currentNodeKey, std::string("Menu1"));
+    QCOMPARE(e.form.treeEvents.currentNodeKey, std::string("Menu1"));
 
     // A left click on an item selects it and marks its line.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, e.nodeCentre("Child7"));
-    QCOMPARE(e.form.currentNodeKey, std::string("Child7"));
+    QCOMPARE(e.form.treeEvents.currentNodeKey, std::string("Child7"));
     QCOMPARE(e.tree()->currentIndex(), e.node("Child7"));
     QCOMPARE(e.form.Table.backColorAt(7, 1), e.form.highlightColor);
     QCOMPARE(e.cell(7, 1).data(Qt::BackgroundRole).value<QColor>(),

@@ -311,8 +311,8 @@ void ModelsTest::commandsAnnounceWhatTheyChangedAndNoMore() {
             const char* entry = command == 0   ? "remove1"
                                 : command == 1 ? "remove2"
                                                : "removechilden";
-            form.currentNodeKey = pick(command == 0 ? "Child" : "Menu");
-            if (form.currentNodeKey.empty()) {
+            form.treeEvents.currentNodeKey = pick(command == 0 ? "Child" : "Menu");
+            if (form.treeEvents.currentNodeKey.empty()) {
                 continue;
             }
             form.menuClick(entry);

@@ -236,7 +236,8 @@ void WindowHabitsTest::commandsKeepWhatTheViewsShow() {
     // Commands on lines and folders further down: what the views show stays.
     for (const char* entry : {"remove1", "removechilden", "remove2"}) {
         QVERIFY(w.window.run([&] {
-            w.form.currentNodeKey = std::string(entry) == "remove1" ? "Child200" : "Menu19";
+            w.form.treeEvents.currentNodeKey =
+                std::string(entry) == "remove1" ? "Child200" : "Menu19";
             w.form.menuClick(entry);
         }));
         QCoreApplication::sendPostedEvents();

@@ -78,10 +78,10 @@ void WindowTreeTest::droppedNodeBecomesTheFoldersLastChild() {
     // The drag carries the key of the node it started on.
     TreeDrag about(w, "Child7");
     QCOMPARE(about.data.text(), QStringLiteral("Child7"));
-    QVERIFY(w.form.dragging);
+    QVERIFY(w.form.treeEvents.dragging);
     QVERIFY(about.over(w.nodeCentre("Menu3")));
     about.dropOn("Menu3");
-    QVERIFY(!w.form.dragging);
+    QVERIFY(!w.form.treeEvents.dragging);
     QCOMPARE(model->rowCount(w.node("Menu3")), 3);
     QCOMPARE(model->index(2, 0, w.node("Menu3")), w.node("Child7"));
     QCOMPARE(w.node("Child7").data().toString(), QStringLiteral("ABOUT"));
@@ -137,7 +137,7 @@ void WindowTreeTest::draggingNearTheEdgesScrollsByTheTimer() {
     const double pixelsPerTwip = tree->logicalDpiY() / 1440.0;
     const QPoint centre = area.center();
     TreeDrag drag(w, w.form.Treeview.key(w.treeModel()->node(tree->indexAt(centre))));
-    QVERIFY(w.form.dragging);
+    QVERIFY(w.form.treeEvents.dragging);
 
     // 50 twips below the top edge: the timer runs and each tick scrolls one line up, with the
     // node under the pointer drawn as the drop target.
@@ -162,7 +162,7 @@ void WindowTreeTest::draggingNearTheEdgesScrollsByTheTimer() {
     drag.over(centre);
     QVERIFY(!timer->isActive());
     drag.dropOn(centre);
-    QVERIFY(!w.form.dragging);
+    QVERIFY(!w.form.treeEvents.dragging);
     QCOMPARE(w.host.endCount, 0);
 }
 
@@ -272,7 +272,7 @@ void WindowTreeTest::popupCommandsAndViewButtonsShowInTheTree() {
     };
     QTest::mouseClick(w.child<QWidget>("Colapse"), Qt::LeftButton);
     QCOMPARE(expandedFolders(), QStringList());
-    QCOMPARE(w.form.currentNodeKey, std::string("Menu6"));
+    QCOMPARE(w.form.treeEvents.currentNodeKey, std::string("Menu6"));
     QTest::mouseClick(w.child<QWidget>("Expand"), Qt::LeftButton);
     QCOMPARE(expandedFolders(),
              (QStringList{"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}));
