@@ -1,7 +1,13 @@
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "platform/Grid.h"
+#include "platform/TreeNodes.h"
 
 // Generated menu files for the benchmarks: deterministic, so every run measures the same bytes.
 namespace vkl::bench {
@@ -22,5 +28,26 @@ void writeMenu(const std::string& path, const MenuShape& shape = {});
 
 // A path for a benchmark file in the temporary folder, distinct per process.
 std::string benchPath(const std::string& name);
+
+// The table and the tree that the line and node commands work on.
+struct Menu {
+    Grid grid;
+    TreeNodes nodes;
+};
+
+// Runs command on a fresh copy of base in each iteration; making the copy and tearing down the
+// previous one are not timed. Returns what the last command left.
+template <class Command>
+std::optional<Menu> onFreshCopies(benchmark::State& state, const Menu& base, Command command) {
+    std::optional<Menu> menu;
+    for (auto _ : state) {
+        state.PauseTiming();
+        menu.emplace(base);
+        state.ResumeTiming();
+        command(*menu);
+        benchmark::DoNotOptimize(menu->grid.rows());
+    }
+    return menu;
+}
 
 }  // namespace vkl::bench

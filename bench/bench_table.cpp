@@ -12,10 +12,7 @@
 
 namespace {
 
-struct Menu {
-    vkl::Grid grid;
-    vkl::TreeNodes nodes;
-};
+using vkl::bench::Menu;
 
 // The generated 32,000-line menu as the reader leaves it, with every second line marked.
 Menu markedMenu() {
@@ -36,14 +33,9 @@ Menu markedMenu() {
 // Deletes the 16,000 marked lines of the generated menu with their item nodes.
 void BM_DeleteMarkedLines(benchmark::State& state) {
     const Menu base = markedMenu();
-    std::optional<Menu> menu;
-    for (auto _ : state) {
-        state.PauseTiming();
-        menu.emplace(base);  // the copy and the previous menu's teardown are not timed
-        state.ResumeTiming();
-        vkl::table::deleteMarkedLines(menu->grid, menu->nodes, vkl::kMarkingColor);
-        benchmark::DoNotOptimize(menu->grid.rows());
-    }
+    const std::optional<Menu> menu = vkl::bench::onFreshCopies(state, base, [](Menu& m) {
+        vkl::table::deleteMarkedLines(m.grid, m.nodes, vkl::kMarkingColor);
+    });
     const int marked = (base.grid.rows() - 1) / 2;
     if (marked != 16000 || menu->grid.rows() != base.grid.rows() - marked ||
         menu->nodes.count() != base.nodes.count() - marked) {

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "MenuGen.h"
 #include "platform/Colors.h"
 #include "platform/Grid.h"
 #include "platform/NodeKeys.h"
@@ -11,10 +12,7 @@
 
 namespace {
 
-struct Menu {
-    vkl::Grid grid;
-    vkl::TreeNodes nodes;
-};
+using vkl::bench::Menu;
 
 constexpr int kLines = 32000;
 constexpr int kNested = 100;         // folders nested one inside the other below the target
@@ -66,15 +64,10 @@ Menu nestedMenu() {
 // "Remove Children Only" on the submenu holding 10,000 lines in 100 nested folders.
 void BM_RemoveChildrenOnly(benchmark::State& state) {
     const Menu base = nestedMenu();
-    std::optional<Menu> menu;
-    for (auto _ : state) {
-        state.PauseTiming();
-        menu.emplace(base);  // the copy and the previous menu's teardown are not timed
-        state.ResumeTiming();
-        vkl::tree::removeNode(menu->grid, menu->nodes, kTarget, 0, vkl::kMarkingColor, 0,
+    const std::optional<Menu> menu = vkl::bench::onFreshCopies(state, base, [](Menu& m) {
+        vkl::tree::removeNode(m.grid, m.nodes, kTarget, 0, vkl::kMarkingColor, 0,
                               vkl::kNormalColor);
-        benchmark::DoNotOptimize(menu->grid.rows());
-    }
+    });
     const int removed = kNested * kPerFolder;
     const int outerFolders = (kLines - removed) / kOuterPerFolder;
     if (menu->grid.rows() != kLines - removed + 1 ||

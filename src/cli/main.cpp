@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,27 +25,17 @@ std::string errorLine(const RuntimeError& e) {
 // Refuses what the reader would take for a missing file and read as nothing, and what it
 // refuses to read.
 bool readable(const std::string& file) {
-    const char* problem = nullptr;
-    switch (files::kindOf(file)) {
-        case files::Kind::regular:
-            return true;
-        case files::Kind::missing:
-            problem = "no such file";
-            break;
-        case files::Kind::folder:
-            problem = "is a folder, not a menu file";
-            break;
-        case files::Kind::linkLoop:
-            problem = "is a loop of symbolic links, not a menu file";
-            break;
-        case files::Kind::denied:
-            problem = "cannot be reached (permission denied)";
-            break;
-        case files::Kind::other:
-            problem = "is not a regular file (a FIFO, device or socket)";
-            break;
+    static const std::map<files::Kind, const char*> kProblems{
+        {files::Kind::missing, "no such file"},
+        {files::Kind::folder, "is a folder, not a menu file"},
+        {files::Kind::linkLoop, "is a loop of symbolic links, not a menu file"},
+        {files::Kind::denied, "cannot be reached (permission denied)"},
+        {files::Kind::other, "is not a regular file (a FIFO, device or socket)"}};
+    const auto problem = kProblems.find(files::kindOf(file));
+    if (problem == kProblems.end()) {
+        return true;  // a regular file
     }
-    std::fprintf(stderr, "vklcheck: %s: %s\n", file.c_str(), problem);
+    std::fprintf(stderr, "vklcheck: %s: %s\n", file.c_str(), problem->second);
     return false;
 }
 

@@ -161,6 +161,23 @@ namespace {
 
 using text::trimmed;
 
+// The header field a header line fills, by its position among the non-comment lines; null for
+// the positions whose text is fixed.
+std::string HeaderFields::*headerField(int position) {
+    switch (position) {
+        case 2:
+            return &HeaderFields::text3;
+        case 6:
+            return &HeaderFields::text2;
+        case 7:
+            return &HeaderFields::combo2;
+        case 8:
+            return &HeaderFields::combo3;
+        default:
+            return nullptr;
+    }
+}
+
 // The fields of a body line, split at every "|" (empty fields kept). Only the first four are
 // needed: a menu line has exactly four, a SHORTCUT line uses three.
 struct Fields {
@@ -277,26 +294,14 @@ class MenuReader {
             if (diag_ != nullptr) {
                 diag_->headerLine(position, in.lineNumber(), raw);
             }
-            switch (position) {
-                case 2:
-                    m_.header.text3 = line;
-                    break;
-                case 6:
-                    m_.header.text2 = line;
-                    break;
-                case 7:
-                    m_.header.combo2 = line;
-                    break;
-                case 8:
-                    m_.header.combo3 = line;
-                    break;
-                case 12:
-                    if (diag_ != nullptr) {
-                        diag_->headerEnded(in.lineNumber(), true);
-                    }
-                    return;
-                default:
-                    break;
+            if (std::string HeaderFields::*field = headerField(position)) {
+                m_.header.*field = line;
+            }
+            if (position == 12) {
+                if (diag_ != nullptr) {
+                    diag_->headerEnded(in.lineNumber(), true);
+                }
+                return;
             }
         }
         if (diag_ != nullptr) {

@@ -755,24 +755,22 @@ bool TreeNodes::moveNumbered(std::string_view stem,
     return true;
 }
 
-void TreeNodes::setText(NodeRef n, std::string text) {
-    Node& target = node(n);
-    if (target.text != text) {
-        target.text = std::move(text);
+void TreeNodes::setShown(NodeRef n, std::string Node::*field, std::string value) {
+    std::string& shown = node(n).*field;
+    if (shown != value) {
+        shown = std::move(value);
         if (bulk_ == 0) {
             call(observer_.changed, n);
         }
     }
 }
 
+void TreeNodes::setText(NodeRef n, std::string text) {
+    setShown(n, &Node::text, std::move(text));
+}
+
 void TreeNodes::setImage(NodeRef n, std::string image) {
-    Node& target = node(n);
-    if (target.image != image) {
-        target.image = std::move(image);
-        if (bulk_ == 0) {
-            call(observer_.changed, n);
-        }
-    }
+    setShown(n, &Node::image, std::move(image));
 }
 
 void TreeNodes::setExpanded(NodeRef n, bool expanded) {

@@ -241,6 +241,8 @@ class TreeNodes {
     NodeRef insertNode(NodeRef relative, int relationship, int32_t* cell, std::string_view key,
                        std::string_view text, std::string_view image);
     int32_t* stemCellOf(KeyStem& stem, uint32_t number);
+    // Text or image: a change is announced to the views.
+    void setShown(NodeRef n, std::string Node::*field, std::string value);
 
     // The key index. Stem-and-number keys go to the stem arrays; all others to a hash map.
     static bool numberOf(std::string_view digits, uint32_t& number);
