@@ -64,6 +64,14 @@ struct WindowMenu {
     }
 };
 
+// The generated menu, written once for all window benchmarks; the first call also makes the
+// application.
+const WindowMenu& windowMenu() {
+    ensureApplication();
+    static const WindowMenu menu;
+    return menu;
+}
+
 QAction* toolbarAction(gui::MainWindow& window, const char* key) {
     for (QAction* a : window.findChild<QToolBar*>(QStringLiteral("Toolbar1"))->actions()) {
         if (a->data().toString() == QLatin1String(key)) {
@@ -74,8 +82,7 @@ QAction* toolbarAction(gui::MainWindow& window, const char* key) {
 }
 
 void BM_OpenInWindow(benchmark::State& state) {
-    ensureApplication();
-    static const WindowMenu menu;
+    const WindowMenu& menu = windowMenu();
     test::ScriptedHost host;
     host.temp = menu.folder + "/";
     Form1 form(host, menu.folder, 1);
@@ -116,7 +123,7 @@ struct OpenWindow {
     QAction* open;
     QTreeView* tree;
 
-    explicit OpenWindow(const WindowMenu& m) : menu(m), form(host, m.folder, 1), window(form) {
+    OpenWindow() : menu(windowMenu()), form(host, menu.folder, 1), window(form) {
         host.temp = menu.folder + "/";
         window.load();
         window.resize(1400, 900);
@@ -136,7 +143,8 @@ struct OpenWindow {
         drainEvents();
     }
 
-    // Right-clicks a node, scrolled into sight first, and picks an entry of its pop-up.
+    // Right-clicks a node, scrolled into sight first, picks an entry of its pop-up, and lets
+    // the window finish.
     void popupCommand(const std::string& key, const char* entry) {
         auto* model = static_cast<gui::TreeModel*>(tree->model());
         const QModelIndex at = model->indexOf(form.Treeview.find(key));
@@ -150,31 +158,32 @@ struct OpenWindow {
         QMouseEvent release(QEvent::MouseButtonRelease, point, tree->viewport()->mapToGlobal(point),
                             Qt::RightButton, Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(tree->viewport(), &release);
+        drainEvents();
     }
 
     bool clean() const {
         return !window.ended() && host.endCount == 0 && host.answers.empty() &&
                host.popupAnswers.empty();
     }
+    void expectClean(benchmark::State& state) const {
+        if (!clean()) {
+            state.SkipWithError("the command did not run cleanly in the window");
+        }
+    }
 };
 
 // The pop-up's Remove on an item near the top: one line goes, every line below is renumbered.
 void BM_WindowRemoveItem(benchmark::State& state) {
-    ensureApplication();
-    static const WindowMenu menu;
-    OpenWindow w(menu);
+    OpenWindow w;
     int rows = w.form.Table.rows();
     for (auto _ : state) {
         w.popupCommand("Child2", "remove1");
-        drainEvents();
         if (w.form.Table.rows() != --rows) {
             state.SkipWithError("the item's line was not removed");
             break;
         }
     }
-    if (!w.clean()) {
-        state.SkipWithError("the command did not run cleanly in the window");
-    }
+    w.expectClean(state);
 }
 BENCHMARK(BM_WindowRemoveItem)->Unit(benchmark::kMillisecond);
 
@@ -182,9 +191,7 @@ BENCHMARK(BM_WindowRemoveItem)->Unit(benchmark::kMillisecond);
 // generated menu holds items only), one after the other as a user clears out a menu; the menu
 // is opened again (untimed) after every ten, so that it keeps 31,000 lines or more.
 void BM_WindowRemoveFolder(benchmark::State& state) {
-    ensureApplication();
-    static const WindowMenu menu;
-    OpenWindow w(menu);
+    OpenWindow w;
     int removed = 0;
     for (auto _ : state) {
         if (removed == 10) {
@@ -196,24 +203,19 @@ void BM_WindowRemoveFolder(benchmark::State& state) {
         const std::string key = "Menu" + std::to_string(3 * (removed + 1));
         const int rows = w.form.Table.rows();
         w.popupCommand(key, "remove2");
-        drainEvents();
         ++removed;
         if (w.form.Table.rows() != rows - 100 || !w.form.Treeview.find(key).isNull()) {
             state.SkipWithError("the submenu and its lines were not removed");
             break;
         }
     }
-    if (!w.clean()) {
-        state.SkipWithError("the command did not run cleanly in the window");
-    }
+    w.expectClean(state);
 }
 BENCHMARK(BM_WindowRemoveFolder)->Unit(benchmark::kMillisecond);
 
 // German, then English again: captions, the grid's header row and the colour pass.
 void BM_WindowSwitchLanguage(benchmark::State& state) {
-    ensureApplication();
-    static const WindowMenu menu;
-    OpenWindow w(menu);
+    OpenWindow w;
     QAction* german = toolbarAction(w.window, "useger");
     QAction* english = toolbarAction(w.window, "useeng");
     for (auto _ : state) {

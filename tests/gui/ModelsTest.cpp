@@ -74,47 +74,23 @@ QString plainShape(const TreeNodes& nodes, NodeRef parent = {}) {
 }  // namespace
 
 void ModelsTest::gridRowsFollowTheGrid() {
+    // Removing many rows at once: each run of rows is one removal, too many runs one reset.
     Grid grid;
     GridModel model(grid);
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    QCOMPARE(model.rowCount(), 0);
-    QCOMPARE(model.columnCount(), 7);
-
-    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    grid.setRows(6);
-    QCOMPARE(model.rowCount(), 5);
-    QCOMPARE(inserted.count(), 1);
-    QCOMPARE(inserted.at(0).at(1).toInt(), 0);
-    QCOMPARE(inserted.at(0).at(2).toInt(), 4);
-    for (int r = 1; r < 6; ++r) {
+    grid.setRows(8);
+    for (int r = 1; r < 8; ++r) {
         grid.setTextMatrix(r, 1, "line " + std::to_string(r));
     }
-
-    // Row r of the grid is row r-1 of the model, also after a row in the middle goes.
-    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    grid.removeItem(2);
-    QCOMPARE(removed.count(), 1);
-    QCOMPARE(removed.at(0).at(1).toInt(), 1);
-    QCOMPARE(columnOne(model), (QStringList{"line 1", "line 3", "line 4", "line 5"}));
-
-    grid.appendRow();
-    grid.setTextMatrix(5, 1, "appended");
-    QCOMPARE(columnOne(model).last(), QStringLiteral("appended"));
-
-    grid.setRows(3);
-    QCOMPARE(columnOne(model), (QStringList{"line 1", "line 3"}));
-
-    // Removing many rows at once: each run of rows is one removal, too many runs one reset.
+    QCOMPARE(model.rowCount(), 7);
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
-    removed.clear();
-    grid.setRows(8);
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     std::vector<bool> drop(8, false);
     drop[1] = drop[4] = drop[5] = true;
     grid.removeRows(drop);
     QCOMPARE(reset.count(), 0);
     QCOMPARE(removed.count(), 2);
-    QCOMPARE(model.rowCount(), 4);
-    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 3"));
+    QCOMPARE(columnOne(model), (QStringList{"line 2", "line 3", "line 6", "line 7"}));
     grid.setRows(2 * Grid::kMaxRemovalRuns + 4);
     drop.assign(static_cast<size_t>(grid.rows()), false);
     for (int r = 2; r < grid.rows(); r += 2) {
@@ -124,7 +100,7 @@ void ModelsTest::gridRowsFollowTheGrid() {
     QCOMPARE(reset.count(), 1);
     QCOMPARE(removed.count(), 2);
     QCOMPARE(model.rowCount(), grid.rows() - 1);
-    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 3"));
+    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 2"));
 }
 
 void ModelsTest::gridCellsHeaderAndColours() {
@@ -241,24 +217,17 @@ void ModelsTest::treeShowsTextIconsAndDropHighlight() {
                                                "e"));
     QCOMPARE(model.indexOf(item).data().toString(), QString::fromUtf8("Grüße"));
 
-    // The eight pictures of the tree exist and are told apart; an item without one has none.
-    const QStringList keys{"root", "arrow2",       "arrow1",     "folderclosed2",
-                           "item", "folderclosed", "image_here", "blank"};
+    // The eight pictures of the tree are told apart; the blank one paints nothing.
     QList<QImage> drawn;
-    for (const QString& key : keys) {
-        const QIcon icon = vkl::gui::icons::node(key);
-        QVERIFY2(!icon.isNull(), qPrintable(key));
-        const QImage image = icon.pixmap(16, 16).toImage().convertToFormat(QImage::Format_ARGB32);
-        bool painted = false;
-        for (int y = 0; y < image.height() && !painted; ++y) {
-            for (int x = 0; x < image.width() && !painted; ++x) {
-                painted = qAlpha(image.pixel(x, y)) != 0;
-            }
-        }
-        QCOMPARE(painted, key != QLatin1String("blank"));
-        QVERIFY2(!drawn.contains(image), qPrintable(key));
-        drawn << image;
+    for (const char* key : {"root", "arrow2", "arrow1", "folderclosed2", "item", "folderclosed",
+                            "image_here", "blank"}) {
+        const QImage image = vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage();
+        QVERIFY2(!image.isNull() && !drawn.contains(image), key);
+        drawn << image.convertToFormat(QImage::Format_ARGB32);
     }
+    QImage nothing(drawn.last().size(), QImage::Format_ARGB32);
+    nothing.fill(Qt::transparent);
+    QCOMPARE(drawn.last(), nothing);
     QVERIFY(!model.indexOf(item).data(Qt::DecorationRole).isValid());
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     nodes.setImage(item, "arrow2");

@@ -6,29 +6,16 @@
 #include <QScrollBar>
 
 #include "gui/GridModel.h"
-#include "gui/Icons.h"
 #include "support/WindowFixture.h"
 
 using vkl::test::ScriptedHost;
+using window_test::pictureOf;
 using window_test::Window;
-
-namespace {
-
-QImage picture(const QModelIndex& index) {
-    return index.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
-}
-
-QImage nodePicture(const char* key) {
-    return vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage();
-}
-
-}  // namespace
 
 class WindowTableTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
     void init() { QVERIFY(start()); }
-    void cleanup() { window_.reset(); }
     void typedTitleReachesCellAndNodeLabel();
     void pickersAndActionCodesFillTheirCells();
     void menuMadeFromNothingIsMarkedDeletedAndSaved();
@@ -53,11 +40,14 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     QTest::keyClick(table, Qt::Key_Q);
     QVERIFY(text1->isVisible());
     QCOMPARE(text1->text(), QStringLiteral("Q"));
+    QCOMPARE(text1->cursorPosition(), 1);
     QCOMPARE(text1->geometry(), table->visualRect(w.cell(40, 1)));
     QVERIFY(table->viewport()->rect().contains(text1->geometry()));
     QCOMPARE(w.node("Child40").data().toString(), QStringLiteral("Q"));
     QTest::keyClicks(text1, "rs");
-    QCOMPARE(w.node("Child40").data().toString(), QStringLiteral("Qrs"));
+    QTest::sendKeyEvent(QTest::Click, text1, Qt::Key_Udiaeresis, QString::fromUtf8("ü"),
+                        Qt::NoModifier);
+    QCOMPARE(w.node("Child40").data().toString(), QString::fromUtf8("Qrsü"));
 
     // The window grows while the edit is open: the grid scrolls back and the editor stays on
     // its cell.
@@ -67,11 +57,13 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     w.window.resize(1400, 1000);
     QTRY_VERIFY(table->visualRect(w.cell(40, 1)) != before);
     QCOMPARE(text1->geometry(), table->visualRect(w.cell(40, 1)));
+    table->setColumnWidth(1, table->columnWidth(1) + 40);  // and when its column widens
+    QCOMPARE(text1->geometry(), table->visualRect(w.cell(40, 1)));
 
     // Enter takes the text over into the cell and moves one cell to the right.
     QTest::keyClick(text1, Qt::Key_Return);
     QVERIFY(!text1->isVisible());
-    QCOMPARE(w.cellText(40, 1), QStringLiteral("Qrs"));
+    QCOMPARE(w.form.Table.textMatrix(40, 1), std::string("Qrs\xfc"));
     QCOMPARE(table->currentIndex(), w.cell(40, 2));
     QCOMPARE(w.form.Table.col(), 2);
 
@@ -82,6 +74,9 @@ void WindowTableTest::typedTitleReachesCellAndNodeLabel() {
     QTest::keyClick(table, Qt::Key_Space);
     QCOMPARE(text1->text(), QStringLiteral("Metric"));
     QCOMPARE(text1->cursorPosition(), 6);
+    w.form.Text1.selStart = 1000;  // a caret past the end stands at the end and reads back so
+    w.window.sync();
+    QCOMPARE(w.form.Text1.selStart, 6);
     QCOMPARE(w.node("Child3").data().toString(), QStringLiteral("Metric"));
     QTest::keyClicks(text1, "s");
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, w.cellCentre(5, 4));
@@ -106,17 +101,11 @@ void WindowTableTest::pickersAndActionCodesFillTheirCells() {
     // Bitmap column: the bare name of the chosen file, its extension gone in any case.
     w.host.openAnswers.push_back(ScriptedHost::pick("/pictures/a.bmp.old.BMP"));
     QTest::mouseDClick(viewport, Qt::LeftButton, {}, w.cellCentre(1, 2));
-    QCOMPARE(w.host.openRequests.size(), size_t{2});
-    QCOMPARE(w.host.openRequests.back().filter,
-             std::string("All Files (*.*)|*.*|BMP Files (*.bmp)|*.bmp"));
-    QCOMPARE(w.host.openRequests.back().filterIndex, 2);
     QCOMPARE(w.cellText(1, 2), QStringLiteral("a.old"));
 
     // The parameter of a package line takes a package; another line's parameter opens nothing.
     w.host.openAnswers.push_back(ScriptedHost::pick("/pkgs/lib.Pkg"));
     QTest::mouseDClick(viewport, Qt::LeftButton, {}, w.cellCentre(2, 4));
-    QCOMPARE(w.host.openRequests.back().filter,
-             std::string("All Files (*.*)|*.*|Pkg Files (*.pkg)|*.pkg"));
     QCOMPARE(w.cellText(2, 4), QStringLiteral("lib"));
     QTest::mouseDClick(viewport, Qt::LeftButton, {}, w.cellCentre(1, 4));
     QCOMPARE(w.host.openRequests.size(), size_t{3});
@@ -217,21 +206,7 @@ void WindowTableTest::menuMadeFromNothingIsMarkedDeletedAndSaved() {
     QCOMPARE(w.host.lastPrompt(),
              std::string("Following table lines have missing entries and are not stored :\r\r3"));
     const QByteArray saved = window_test::readAll(out);
-    QVERIFY(saved.endsWith(window_test::crlfLines({
-        "Write here your own ABOUT text ! # 1. text in the [About] box",
-        "Powered by Loomvault  # 2.text",
-        "www.loomvault.com",
-        "All rights reserved",
-        "Write here your own menu title !",
-        "100",
-        "100",
-        "10",
-        "10",
-        "11",
-        "11",
-        "Drill||F|Make_hole",
-        "Tap||F|Tap_hole",
-    })));
+    QVERIFY(saved.endsWith("\r\n11\r\nDrill||F|Make_hole\r\nTap||F|Tap_hole\r\n"));
     QTreeView* tree = w.tree();
     QCOMPARE(tree->model()->rowCount(), 1);
     QVERIFY(tree->isExpanded(w.node("Menu0")));
@@ -240,9 +215,9 @@ void WindowTableTest::menuMadeFromNothingIsMarkedDeletedAndSaved() {
 
     // Now the lines have nodes: a mark shows on the node, and deleting takes line and node.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, w.cellCentre(3, 0));
-    QCOMPARE(picture(w.node("Child3")), nodePicture("arrow2"));
+    QCOMPARE(pictureOf(w.node("Child3")), QStringLiteral("arrow2"));
     QTest::mouseClick(viewport, Qt::LeftButton, {}, w.cellCentre(3, 0));
-    QCOMPARE(picture(w.node("Child3")), nodePicture("blank"));
+    QCOMPARE(pictureOf(w.node("Child3")), QStringLiteral("blank"));
     QCOMPARE(w.cell(3, 1).data(Qt::BackgroundRole).value<QColor>(),
              grid->color(w.form.defaultCellColor));
     QVERIFY(w.clickTool("linedel"));

@@ -20,6 +20,7 @@
 #include <string>
 
 #include "app/Form1.h"
+#include "gui/Icons.h"
 #include "gui/MainWindow.h"
 #include "gui/TreeModel.h"
 #include "support/ScriptedHost.h"
@@ -114,15 +115,50 @@ struct BasicWindow {
 using Window = BasicWindow<>;
 
 // The common start of a window test case, for its init(): a window shown, with the tools menu
-// open unless the case wants it empty.
+// open unless the case wants it empty. The window of one case lives until the next case starts.
 struct WindowCase {
     std::unique_ptr<Window> window_;
     bool start(bool withTools = true) {
+        window_.reset();
         window_ = std::make_unique<Window>();
         return QTest::qWaitForWindowExposed(&window_->window) &&
                (!withTools || window_->open(toolsMenu()));
     }
 };
+
+// The name of the node picture an index shows, "-" for none, "?" for one that is none of them.
+inline QString pictureOf(const QModelIndex& index) {
+    const QVariant decoration = index.data(Qt::DecorationRole);
+    if (!decoration.isValid()) {
+        return QStringLiteral("-");
+    }
+    const QImage shown = decoration.value<QIcon>().pixmap(16, 16).toImage();
+    for (const char* key : {"root", "arrow2", "arrow1", "folderclosed2", "item", "folderclosed",
+                            "image_here", "blank"}) {
+        if (vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage() == shown) {
+            return QLatin1String(key);
+        }
+    }
+    return QStringLiteral("?");
+}
+
+// The tree as its view shows it: one line per node, two blanks per level and the text; with
+// looks, also the picture and a "+" for a node the view shows expanded.
+inline QStringList treeLines(QTreeView* view, bool looks = true, const QModelIndex& parent = {},
+                             int depth = 0) {
+    QStringList lines;
+    QAbstractItemModel* model = view->model();
+    for (int r = 0; r < model->rowCount(parent); ++r) {
+        const QModelIndex at = model->index(r, 0, parent);
+        QString line = QString(depth * 2, QLatin1Char(' ')) + at.data().toString();
+        if (looks) {
+            line += QLatin1Char(' ') + pictureOf(at) +
+                    (view->isExpanded(at) ? QStringLiteral(" +") : QString());
+        }
+        lines << line << treeLines(view, looks, at, depth + 1);
+    }
+    return lines;
+}
 
 // Whatever a named control shows: a caption, a label, a field's text or a menu entry.
 inline QString shownText(QWidget& window, const char* name) {
@@ -148,16 +184,6 @@ inline QString shownText(QWidget& window, const char* name) {
 inline QByteArray readAll(const std::string& file) {
     QFile f(QString::fromStdString(file));
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-// Lines joined with CR LF, each line ended, as the writer writes them.
-inline QByteArray crlfLines(std::initializer_list<const char*> lines) {
-    QByteArray out;
-    for (const char* line : lines) {
-        out += line;
-        out += "\r\n";
-    }
-    return out;
 }
 
 }  // namespace window_test
