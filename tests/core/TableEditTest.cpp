@@ -8,24 +8,20 @@
 namespace vkl {
 namespace {
 
-// A window with three lines and their nodes; the editors start hidden as after load.
-struct Editing {
-    Editing() {
+// A window with three lines and their nodes, labelled "T"; the editors start hidden as after load.
+struct Editing : test::Window {
+    Editing() : test::Window(test::items(3)) {
         form.Text1.visible = false;
         form.Combo1.visible = false;
-        form.Table.setRows(4);
-        form.Treeview.add(NodeRef{}, TreeNodes::kLast, "Menu0", "Top Menu", "root");
         for (int r = 1; r <= 3; ++r) {
-            form.Table.setTextMatrix(r, 1, std::string("T") + std::to_string(r));
             form.Table.setTextMatrix(r, 4, std::string("param ") + std::to_string(r));
-            form.Treeview.add("Menu0", TreeNodes::kChild, std::string("Child") + std::to_string(r),
-                              "T");
+            form.Treeview.setText(test::Window::node("Child" + std::to_string(r)),
+                                  "T");  // unlike the cell
         }
     }
     // A key typed on the grid at (row, col).
     int start(int row, int col, int key) {
-        form.Table.setRow(row);
-        form.Table.setCol(col);
+        moveTo(row, col);
         form.tableKeyPress(key);
         return key;
     }
@@ -43,10 +39,7 @@ struct Editing {
             }
         }
     }
-    std::string node(int r) const {
-        return form.Treeview.text(form.Treeview.byKey(std::string("Child") + std::to_string(r)));
-    }
-    std::string cell(int r, int c) const { return form.Table.textMatrix(r, c); }
+    std::string node(int r) const { return text("Child" + std::to_string(r)); }
     // The text box (hidden "-"; shown "T", with the focus "F") with its text and caret, the
     // drop-down ("C" when shown) and the current cell.
     std::string editors() const {
@@ -57,8 +50,6 @@ struct Editing {
         return box + (form.Combo1.visible ? " C " : " - ") + std::to_string(form.Table.row()) +
                "," + std::to_string(form.Table.col());
     }
-    test::ScriptedHost host;
-    Form1 form{host, "C:\\inst", 1};
 };
 
 TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
@@ -126,8 +117,7 @@ TEST(TableEdit, BitmapColumnTakesFourUpperCaseKeys) {
 
 TEST(TableEdit, DropDownWritesCodesAndRepeatsTheLastOne) {
     Editing e;
-    e.form.Table.setRow(2);
-    e.form.Table.setCol(3);
+    e.moveTo(2, 3);
     e.form.tableMouseDown(1);  // nothing chosen yet: the click changes nothing
     EXPECT_EQ(e.cell(2, 3), "");
 

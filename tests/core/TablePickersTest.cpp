@@ -9,20 +9,16 @@
 namespace vkl {
 namespace {
 
-struct Picking {
-    Picking() {
-        form.Table.setRows(3);
+struct Picking : test::Window {
+    Picking() : test::Window(test::items(2)) {
         form.Table.setTextMatrix(1, 3, "los");
         form.Table.setTextMatrix(2, 3, "S");
         form.Table.setTextMatrix(2, 4, "old");
     }
     void doubleClick(int row, int col) {
-        form.Table.setRow(row);
-        form.Table.setCol(col);
+        moveTo(row, col);
         form.tableDblClick();
     }
-    test::ScriptedHost host;
-    Form1 form{host, "C:\\inst", 1};
 };
 
 TEST(TablePickers, BitmapCellTakesTheTitleWithoutAnyExtension) {
@@ -69,8 +65,7 @@ TEST(TablePickers, PackagePathCheckReportsEnvironmentComponents) {
     p.host.env = {"PkgRoot=C:/Pkgs", "HOME=/Home/User", "noequals"};
     p.form.Datadir.text = "D:/Data";
     p.form.Table.setTextMatrix(1, 4, "DataDir/pkgroot/HOME/lib");
-    p.form.Table.setRow(1);
-    p.form.Table.setCol(4);
+    p.moveTo(1, 4);
     EXPECT_EQ(table::checkPackagePath(p.form.Table, p.host, p.form.Datadir.text),
               "d:/data/c:/pkgs//home/user/lib");
     ASSERT_EQ(p.host.messages.size(), 2u);
@@ -87,8 +82,7 @@ TEST(TablePickers, PackagePathCheckReportsEnvironmentComponents) {
     p.form.Table.setTextMatrix(2, 4, "home");
     p.form.Table.setRow(2);
     p.form.tableClick();
-    p.form.Table.setRow(1);
-    p.form.Table.setCol(1);
+    p.moveTo(1, 1);
     p.form.tableClick();
     p.form.Table.setTextMatrix(1, 4, "");
     p.form.Table.setCol(4);

@@ -19,28 +19,12 @@ std::string item(long r) {
 }
 
 // A window with `rows` lines titled T1.., each with its item node under the root.
-struct Lines {
-    explicit Lines(int rows, bool withTree = true) {
-        form.Table.setRows(rows + 1);
-        if (withTree) {
-            form.Treeview.add(NodeRef{}, TreeNodes::kLast, "Menu0", "Top Menu", "root");
-        }
-        for (int r = 1; r <= rows; ++r) {
-            form.Table.setTextMatrix(r, 0, std::to_string(r));
-            form.Table.setTextMatrix(r, 1, std::string("T") + std::to_string(r));
-            if (withTree) {
-                form.Treeview.add("Menu0", TreeNodes::kChild, item(r),
-                                  std::string("T") + std::to_string(r));
-            }
-        }
-    }
+struct Lines : test::Window {
+    explicit Lines(int rows) : test::Window(test::items(rows)) {}
     void clickNumber(int r) {
-        form.Table.setRow(r);
-        form.Table.setCol(0);
+        moveTo(r, 0);
         form.tableClick();
     }
-    test::ScriptedHost host;
-    Form1 form{host, "C:\\inst", 1};
 };
 
 // The delete as the editor describes it: bottom up, one row at a time.
@@ -140,7 +124,8 @@ TEST(TableRowOps, LinearDeleteMatchesRowByRowOnRandomMenus) {
 }
 
 TEST(TableRowOps, AddEmptyLineAppendsAndAddsABlankNodeOnlyToATree) {
-    Lines bare(2, false);
+    Lines bare(2);
+    bare.form.Treeview.clear();
     bare.form.toolbarClick("lineadd");
     const Grid& g = bare.form.Table;
     ASSERT_EQ(g.rows(), 4);
@@ -206,8 +191,7 @@ TEST(TableRowOps, ClearSelectionResetsTheFirstHighlightedRowOnly) {
             w.form.Table.setBackColorAt(r, c, kHighlightColor);
         }
     }
-    w.form.Table.setRow(3);
-    w.form.Table.setCol(4);
+    w.moveTo(3, 4);
     w.form.tableMouseDown(1);
     EXPECT_EQ(w.form.Table.backColorAt(2, 0), kHighlightColor);
     for (int c = 1; c < Grid::kCols; ++c) {

@@ -36,32 +36,14 @@ class FakePort : public TreeViewPort {
     double heightTwips() const override { return 4000; }
 };
 
-// A window over a menu given as an outline: leading blanks are the depth below the root, "M"
-// is a folder (serials from 1), anything else an item line with that title (rows in order).
-struct Window {
-    explicit Window(const Keys& outline = {}, std::string installDir = "/opt/b")
-        : form(host, std::move(installDir), 1) {
+// A window with a view whose pointer finds the nodes the test put at heights.
+struct Window : test::Window {
+    explicit Window(const Keys& outline = {}, const std::string& installDir = "/opt/b")
+        : test::Window(outline, installDir) {
         form.defaultCellColor = kDefaultCell;
         form.treePort = &port;
-        std::vector<NodeRef> level{tree().add(NodeRef{}, 0, "Menu0", "Top Menu", "root")};
-        for (const std::string& line : outline) {
-            const size_t depth = line.find_first_not_of(' ');
-            level.resize(depth + 1);
-            const std::string title = line.substr(depth);
-            if (title == "M") {
-                const std::string key = keys::folder(++form.tree.nodeSerial);
-                level.push_back(
-                    tree().add(level[depth], TreeNodes::kChild, key, "SUB", "folderclosed"));
-            } else {
-                const int r = form.Table.appendRow();
-                form.Table.setTextMatrix(r, 0, text::str(r));
-                form.Table.setTextMatrix(r, 1, title);
-                level.push_back(tree().add(level[depth], TreeNodes::kChild, keys::item(r), "T"));
-            }
-        }
     }
     TreeNodes& tree() { return form.Treeview; }
-    NodeRef node(const std::string& key) { return tree().byKey(key); }
     std::string parentKey(const std::string& key) { return tree().key(tree().parent(node(key))); }
     Keys kids(const std::string& key) {
         Keys out;
@@ -77,9 +59,7 @@ struct Window {
         }
         return out;
     }
-    test::ScriptedHost host;
     FakePort port;
-    Form1 form;
 };
 
 TEST(TreeCommands, AddSubmenuContinuesTheSerialsAndPlacesByRelationship) {

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <fstream>
 
+#include "platform/NodeKeys.h"
 #include "platform/RuntimeError.h"
+#include "platform/Text.h"
 
 namespace vkl::test {
 
@@ -126,6 +128,34 @@ void writeBmp(const std::string& path, int width, int height) {
         }
     }
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+Window::Window(const std::vector<std::string>& outline, const std::string& installDir)
+    : form(host, installDir, 1) {
+    TreeNodes& tree = form.Treeview;
+    std::vector<NodeRef> level{tree.add(NodeRef{}, TreeNodes::kLast, "Menu0", "Top Menu", "root")};
+    for (const std::string& line : outline) {
+        const size_t depth = line.find_first_not_of(' ');
+        level.resize(depth + 1);
+        const std::string title = line.substr(depth);
+        if (title == "M") {
+            const std::string key = keys::folder(++form.tree.nodeSerial);
+            level.push_back(tree.add(level[depth], TreeNodes::kChild, key, "SUB", "folderclosed"));
+        } else {
+            const int r = form.Table.appendRow();
+            form.Table.setTextMatrix(r, 0, text::str(r));
+            form.Table.setTextMatrix(r, 1, title);
+            level.push_back(tree.add(level[depth], TreeNodes::kChild, keys::item(r), title));
+        }
+    }
+}
+
+std::vector<std::string> items(int n) {
+    std::vector<std::string> out;
+    for (int r = 1; r <= n; ++r) {
+        out.push_back("T" + std::to_string(r));
+    }
+    return out;
 }
 
 }  // namespace vkl::test

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/Form1.h"
 #include "platform/Host.h"
 
 namespace vkl::test {
@@ -55,5 +56,24 @@ class ScriptedHost : public Host {
 std::optional<PictureSize> bmpSize(const std::string& path);
 // Writes a small valid 24-bit BMP of the given size.
 void writeBmp(const std::string& path, int width, int height);
+
+// The window's core over a menu given as an outline: leading blanks are the depth below the
+// root, "M" is a folder (serials from 1), anything else an item line titled so (rows in order).
+struct Window {
+    explicit Window(const std::vector<std::string>& outline = {},
+                    const std::string& installDir = "C:\\inst");
+    NodeRef node(const std::string& key) const { return form.Treeview.byKey(key); }
+    std::string text(const std::string& key) const { return form.Treeview.text(node(key)); }
+    std::string cell(int row, int col) const { return form.Table.textMatrix(row, col); }
+    void moveTo(int row, int col) {
+        form.Table.setRow(row);
+        form.Table.setCol(col);
+    }
+    ScriptedHost host;
+    Form1 form;
+};
+
+// The outline of n items titled T1 to Tn.
+std::vector<std::string> items(int n);
 
 }  // namespace vkl::test
