@@ -16,22 +16,6 @@ namespace {
 
 using test::errorOf;
 
-TEST(Grid, CurrentCellAssignmentsOutOfRangeAreRefused) {
-    Grid g;
-    g.setRows(3);
-    g.setRow(2);
-    g.setCol(6);
-    g.setCol(7);
-    g.setRow(3);
-    g.setRow(-1);
-    EXPECT_EQ(g.row(), 2);
-    EXPECT_EQ(g.col(), 6);
-    g.setCellBackColor(kMarkingColor);
-    EXPECT_EQ(g.backColorAt(2, 6), kMarkingColor);
-    g.setRows(2);  // cutting the current row moves the current row up
-    EXPECT_EQ(g.row(), 1);
-}
-
 // Long random runs of every way rows are set up, cut, removed and reused, against a plain
 // table of strings. Reused rows must come back empty however their cells were stored before.
 TEST(Grid, RandomOperationsMatchAPlainTable) {

@@ -15,50 +15,17 @@ namespace {
 
 using test::errorOf;
 
-std::vector<std::string> childKeys(const TreeNodes& t, const std::string& parent) {
-    std::vector<std::string> keys;
-    for (NodeRef c = t.child(t.byKey(parent)); !c.isNull(); c = t.next(c)) {
-        keys.push_back(t.key(c));
-    }
-    return keys;
-}
-
-// Root with two folders; A holds a1, a2; B holds b1.
-TreeNodes sample() {
+// The reader's one-step add: as add for a key in use, and no node where it cannot hold one.
+TEST(TreeNodes, AppendNumberedRaisesOnAKeyInUseAndDeclinesWhatItCannotHold) {
     TreeNodes t;
-    t.add(NodeRef{}, TreeNodes::kChild, "Menu0", "Top Menu", "root");
-    t.add("Menu0", TreeNodes::kChild, "A", "A");
-    t.add("Menu0", TreeNodes::kChild, "B", "B");
-    t.add("A", TreeNodes::kChild, "a1", "a1");
-    t.add("A", TreeNodes::kChild, "a2", "a2");
-    t.add("B", TreeNodes::kChild, "b1", "b1");
-    return t;
-}
-
-TEST(TreeNodes, NumberedKeysAreTheKeysOfStemAndNumber) {
-    TreeNodes t = sample();
-    const NodeRef a = t.byKey("A");
-    // The general way and the reader's one-step way make the same kind of node.
-    const NodeRef first = t.addNumbered(a, TreeNodes::kChild, "Child", 7, "SEVEN");
-    const NodeRef second = t.appendNumbered(a, "Child", 12, "TWELVE");
-    ASSERT_FALSE(second.isNull());
-    EXPECT_EQ(childKeys(t, "A"), (std::vector<std::string>{"a1", "a2", "Child7", "Child12"}));
-    EXPECT_EQ(t.byKey("Child12"), second);
-    EXPECT_EQ(t.findNumbered("Child", 7), first);
-    EXPECT_EQ(t.text(second), "TWELVE");
-    EXPECT_EQ(t.index(second), 8);
-    EXPECT_EQ(t.position(second), 3);
-    // A key in use raises as add does; the one-step way declines a parent that is gone, a
-    // stem not taken in and a number beyond the arrays, leaving the tree as it was.
-    const int notUnique = errorOf([&] { t.add("A", TreeNodes::kChild, "Child7", "again"); });
-    EXPECT_NE(notUnique, 0);
-    EXPECT_EQ(errorOf([&] { t.appendNumbered(a, "Child", 7, "again"); }), notUnique);
-    const NodeRef b1 = t.byKey("b1");
-    t.remove(b1);
-    EXPECT_TRUE(t.appendNumbered(b1, "Child", 20, "x").isNull());
-    EXPECT_TRUE(t.appendNumbered(a, "Other", 21, "x").isNull());
-    EXPECT_TRUE(t.appendNumbered(a, "Child", 1L << 20, "x").isNull());
-    EXPECT_EQ(t.count(), 7);
+    const NodeRef root = t.add(NodeRef{}, TreeNodes::kChild, "Menu0", "Top Menu", "root");
+    t.addNumbered(root, TreeNodes::kChild, "Child", 7, "SEVEN");  // takes the stem in
+    const NodeRef twelve = t.appendNumbered(root, "Child", 12, "TWELVE");
+    EXPECT_EQ(t.byKey("Child12"), twelve);
+    EXPECT_EQ(errorOf([&] { t.appendNumbered(root, "Child", 7, "again"); }), 35602);
+    EXPECT_TRUE(t.appendNumbered(root, "Other", 21, "x").isNull());
+    EXPECT_TRUE(t.appendNumbered(root, "Child", 1L << 20, "x").isNull());
+    EXPECT_EQ(t.count(), 3);
 }
 
 // The node collection as plain data: creation order is index order, children in lists.

@@ -286,28 +286,13 @@ TEST(TreeEvents, MouseDownOpensThePopupOfTheNodeKind) {
     EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 2);  // a left press leaves it
 }
 
-TEST(TreeEvents, DropMovesANodeUnderAFolderOnly) {
-    Window w({"M", " a", " M", "  b", "c", "M", " d"});
-    Form1& f = w.form;
-    f.Treeview.setImage(w.node("Menu3"), "image_here");
-    w.port.at = {{1, "Child1"}, {2, "Menu2"}, {3, "Menu3"}};
-    auto drag = [&](const std::string& key, double y) {
-        f.treeviewStartDrag();
-        f.treeviewDragDrop(key, 0, y);
-        EXPECT_FALSE(f.treeEvents.dragging);
-    };
-    drag("Child3", 1);  // onto an item
-    EXPECT_EQ(w.parentKey("Child3"), "Menu0");
-    drag("Child3", 2);
-    EXPECT_EQ(w.kids("Menu2"), (Keys{"Child2", "Child3"}));
-    drag("Menu1", 2);  // onto its own descendant: refused silently
-    EXPECT_EQ(w.parentKey("Menu1"), "Menu0");
-    EXPECT_TRUE(w.host.messages.empty());
-    drag("Child2", 3);  // a folder showing a bitmap hands the drop to its parent
-    EXPECT_EQ(w.parentKey("Child2"), "Menu0");
-    EXPECT_EQ(f.treeEvents.currentNodeKey, "Menu3");
-    drag("Child4", 77);  // no node under the pointer
-    EXPECT_EQ(w.parentKey("Child4"), "Menu3");
+// Where a drop moves nodes: the window's tree tests.
+TEST(TreeEvents, DropMakesTheNodeUnderThePointerCurrent) {
+    Window w({"M", " a"});
+    w.port.at = {{1, "Child1"}};
+    w.form.treeviewStartDrag();
+    w.form.treeviewDragDrop("Menu1", 0, 1);
+    EXPECT_EQ(w.form.treeEvents.currentNodeKey, "Child1");
 }
 
 TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
@@ -334,18 +319,6 @@ TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
         EXPECT_FALSE(f.Timer1.enabled) << y;
     }
     EXPECT_EQ(w.port.scrolls, (std::vector<int>{0, 1}));
-}
-
-TEST(TreeEvents, LabelEditsReachTheTitleOfItemsOnly) {
-    Window w({"M", "x"});
-    w.form.Table.setTextMatrix(1, 1, "   Indented");
-    w.form.treeEvents.treeSelected = w.node("Child1");
-    w.form.treeviewAfterLabelEdit("Plain");
-    w.form.treeEvents.treeSelected = w.node("Menu1");
-    w.form.treeviewAfterLabelEdit("Folder");
-    EXPECT_EQ(w.titles(), (Keys{"Plain"}));
-    EXPECT_EQ(w.tree().text(w.node("Child1")), "Plain");
-    EXPECT_EQ(w.tree().text(w.node("Menu1")), "Folder");
 }
 
 TEST(TreeViews, ExpandCollapseAndMenusOnly) {
