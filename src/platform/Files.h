@@ -46,8 +46,6 @@ class SafeWriter {
   public:
     explicit SafeWriter(const std::string& name);
     ~SafeWriter();
-    SafeWriter(const SafeWriter&) = delete;
-    SafeWriter& operator=(const SafeWriter&) = delete;
 
     void write(std::string_view bytes);
     void commit();
@@ -74,8 +72,6 @@ class InstanceLock {
   public:
     explicit InstanceLock(const std::string& name);
     ~InstanceLock();
-    InstanceLock(const InstanceLock&) = delete;
-    InstanceLock& operator=(const InstanceLock&) = delete;
 
     // True when this copy holds the lock.
     bool acquire();
