@@ -216,6 +216,12 @@ void MainWindowTest::treePressesReachTheForm() {
     QCOMPARE(e.host.popups, (std::vector<std::string>{"Menu1", "Menu2", "menu3"}));
     QCOMPARE(e.form.treeEvents.currentNodeKey, std::string("Menu1"));
 
+    // Folding a folder and moving the current node in the view reach the form.
+    e.tree()->collapse(e.node("Menu1"));
+    QVERIFY(!e.form.Treeview.expanded(e.form.Treeview.byKey("Menu1")));
+    e.tree()->setCurrentIndex(e.node("Menu2"));
+    QCOMPARE(e.form.treeEvents.treeSelected, e.form.Treeview.byKey("Menu2"));
+
     // A left click on an item selects it and marks its line.
     QTest::mouseClick(viewport, Qt::LeftButton, {}, e.nodeCentre("Child7"));
     QCOMPARE(e.form.treeEvents.currentNodeKey, std::string("Child7"));

@@ -135,6 +135,8 @@ void ModelsTest::treeFollowsAddsMovesAndRemoves() {
     QCOMPARE(shape(model), QStringLiteral("Top Menu[three B[A[two]] one]"));
     nodes.setParent(nodes.byKey("Child3"), root);
     QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
+    nodes.setParent(nodes.byKey("Child3"), root);  // already the last child: nothing moves
+    QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     nodes.setText(nodes.byKey("Child2"), "TWO");
     QCOMPARE(changed.count(), 1);

@@ -4,7 +4,6 @@
 
 #include "support/WindowFixture.h"
 
-using vkl::Answer;
 using vkl::test::ScriptedHost;
 using window_test::shownText;
 using window_test::treeLines;
@@ -68,7 +67,7 @@ void WindowFilesTest::saveShowsTheNameAndItReadsBack() {
     QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(out));
 
     // Opened again: the same lines, the titles now in upper case, no empty submenu.
-    w.host.answers = {Answer::No};
+    w.host.answers = {vkl::Answer::No};
     QVERIFY(w.open(out));
     QCOMPARE(w.table()->model()->rowCount(), 7);
     QCOMPARE(w.cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));

@@ -10,14 +10,6 @@
 
 using window_test::Window;
 
-namespace {
-
-QWidget* focused() {
-    return QApplication::focusWidget();
-}
-
-}  // namespace
-
 class WindowHabitsTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
@@ -42,7 +34,7 @@ void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
     // The first click on the arrow opens the list; a click on an entry writes its code.
     typeOn(1, 3, 'x');
     QVERIFY(combo1->isVisible());
-    QCOMPARE(focused(), combo1);
+    QCOMPARE(QApplication::focusWidget(), combo1);
     QTest::mouseClick(combo1, Qt::LeftButton, {},
                       QPoint(combo1->width() - 4, combo1->height() / 2));
     QVERIFY(combo1->isVisible());
@@ -54,11 +46,11 @@ void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
                       list->visualRect(list->model()->index(4, 0)).center());
     QTRY_VERIFY(!combo1->isVisible());
     QCOMPARE(w.cellText(1, 3), QStringLiteral("LOS"));
-    QCOMPARE(focused(), table);
+    QCOMPARE(QApplication::focusWidget(), table);
 
     // By the keys: the arrows move without writing, Enter chooses.
     typeOn(2, 3, 'x');
-    QCOMPARE(focused(), combo1);
+    QCOMPARE(QApplication::focusWidget(), combo1);
     QTest::keyClick(combo1, Qt::Key_Down);
     QTest::keyClick(combo1, Qt::Key_Down);
     QVERIFY(combo1->isVisible());
@@ -85,7 +77,7 @@ void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
     QTest::keyClick(combo1, Qt::Key_Escape);
     QVERIFY(!combo1->isVisible());
     QCOMPARE(w.cellText(3, 3), QStringLiteral("D"));
-    QCOMPARE(focused(), table);
+    QCOMPARE(QApplication::focusWidget(), table);
     QCOMPARE(w.host.endCount, 0);
 }
 
@@ -137,7 +129,7 @@ void WindowHabitsTest::escapeCancelsTheTextEdit() {
         QVERIFY(!text1->isVisible());
         QCOMPARE(w.cellText(2, col), cell);
         QCOMPARE(w.node("Child2").data().toString(), label);
-        QCOMPARE(focused(), w.table());
+        QCOMPARE(QApplication::focusWidget(), w.table());
     }
 }
 
