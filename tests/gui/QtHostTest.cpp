@@ -2,12 +2,10 @@
 // ending the program, and the lock that keeps a second copy from running.
 #include <QAbstractButton>
 #include <QApplication>
-#include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
-#include <QProcess>
+#include <QProcessEnvironment>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -115,32 +113,17 @@ void QtHostTest::fileFiltersKeepTheirNamesAndMatchAllFiles() {
              (QStringList{"Pictures (*.bmp *.DIB)", "Odd (*)"}));
     QCOMPARE(QtHost::nameFilters("|*.txt"), QStringList{"*.txt (*.txt)"});
     QVERIFY(QtHost::nameFilters("").isEmpty());
-
-    // The dialog shows the names as written and filters by the patterns behind them.
-    QFileDialog dialog;
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setOption(QFileDialog::HideNameFilterDetails);
-    dialog.setNameFilters(QtHost::nameFilters("All Files (*.*)|*.*|BMP Files (*.bmp)|*.bmp"));
-    auto* types = dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
-    QVERIFY(types);
-    QCOMPARE(types->itemText(0), QStringLiteral("All Files (*.*)"));
-    QCOMPARE(types->itemText(1), QStringLiteral("BMP Files (*.bmp)"));
-    dialog.selectNameFilter(dialog.nameFilters().at(0));
-    QCOMPARE(dialog.nameFilters().at(0), QStringLiteral("All Files (*.*) (*)"));
 }
 
 void QtHostTest::environmentAndTempFolder() {
     QtHost host;
-    qputenv("VKL_HOST_TEST", "found it");
     QStringList entries;
     int i = 1;
     for (std::string e = host.environ(i); !e.empty(); e = host.environ(++i)) {
         entries << QString::fromStdString(e);
     }
-    QVERIFY(entries.contains(QStringLiteral("VKL_HOST_TEST=found it")));
-    QCOMPARE(entries.size(), QProcessEnvironment::systemEnvironment().toStringList().size());
+    QCOMPARE(entries, QProcessEnvironment::systemEnvironment().toStringList());
     QCOMPARE(host.environ(0), std::string());
-    QCOMPARE(host.environ(-3), std::string());
 
     QCOMPARE(host.tempPath().value_or(""), vkl::files::userStateFolder());
 }

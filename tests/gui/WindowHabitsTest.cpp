@@ -10,14 +10,6 @@
 
 using window_test::Window;
 
-namespace {
-
-QWidget* focused() {
-    return QApplication::focusWidget();
-}
-
-}  // namespace
-
 class WindowHabitsTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
@@ -28,7 +20,6 @@ class WindowHabitsTest : public QObject, window_test::WindowCase {
     void escapeCancelsTheTextEdit();
     void openAndSaveKeysRunTheToolbarCommands();
     void everyControlFitsTheSmallestWindow();
-    void commandsKeepWhatTheViewsShow();
 };
 
 void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
@@ -43,7 +34,7 @@ void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
     // The first click on the arrow opens the list; a click on an entry writes its code.
     typeOn(1, 3, 'x');
     QVERIFY(combo1->isVisible());
-    QCOMPARE(focused(), combo1);
+    QCOMPARE(QApplication::focusWidget(), combo1);
     QTest::mouseClick(combo1, Qt::LeftButton, {},
                       QPoint(combo1->width() - 4, combo1->height() / 2));
     QVERIFY(combo1->isVisible());
@@ -55,11 +46,11 @@ void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
                       list->visualRect(list->model()->index(4, 0)).center());
     QTRY_VERIFY(!combo1->isVisible());
     QCOMPARE(w.cellText(1, 3), QStringLiteral("LOS"));
-    QCOMPARE(focused(), table);
+    QCOMPARE(QApplication::focusWidget(), table);
 
     // By the keys: the arrows move without writing, Enter chooses.
     typeOn(2, 3, 'x');
-    QCOMPARE(focused(), combo1);
+    QCOMPARE(QApplication::focusWidget(), combo1);
     QTest::keyClick(combo1, Qt::Key_Down);
     QTest::keyClick(combo1, Qt::Key_Down);
     QVERIFY(combo1->isVisible());
@@ -86,7 +77,7 @@ void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
     QTest::keyClick(combo1, Qt::Key_Escape);
     QVERIFY(!combo1->isVisible());
     QCOMPARE(w.cellText(3, 3), QStringLiteral("D"));
-    QCOMPARE(focused(), table);
+    QCOMPARE(QApplication::focusWidget(), table);
     QCOMPARE(w.host.endCount, 0);
 }
 
@@ -138,7 +129,7 @@ void WindowHabitsTest::escapeCancelsTheTextEdit() {
         QVERIFY(!text1->isVisible());
         QCOMPARE(w.cellText(2, col), cell);
         QCOMPARE(w.node("Child2").data().toString(), label);
-        QCOMPARE(focused(), w.table());
+        QCOMPARE(QApplication::focusWidget(), w.table());
     }
 }
 
@@ -193,6 +184,21 @@ void WindowHabitsTest::everyControlFitsTheSmallestWindow() {
                      qPrintable(name));
         }
         QCOMPARE(named, 27);
+        // The header fields lie between the toolbar and the grid, the tree beside the grid.
+        const auto box = [&](const char* name) {
+            auto* c = w.child<QWidget>(name);
+            return QRect(c->mapTo(&w.window, QPoint(0, 0)), c->size());
+        };
+        for (const char* field :
+             {"Label1", "Combo2", "Label2", "Combo3", "Label3", "Text2", "Label4", "Text3",
+              "ask_datadir", "Datadir", "ask_imagedir", "Imagedir"}) {
+            QVERIFY2(box(field).top() >= box("Toolbar1").bottom() &&
+                         box(field).bottom() < box("Table").top(),
+                     field);
+        }
+        QVERIFY(box("Treeview").left() > box("Table").right());
+        QVERIFY(box("Treeview").top() < box("Table").bottom() &&
+                box("Treeview").bottom() > box("Table").top());
         // The grid keeps its column widths, without row headings, and scrolls sideways to show
         // them.
         QVERIFY(!table->verticalHeader()->isVisible());
@@ -205,52 +211,6 @@ void WindowHabitsTest::everyControlFitsTheSmallestWindow() {
         QCOMPARE(table->horizontalScrollBar()->maximum(),
                  std::max(0, columns - table->viewport()->width()));
     }
-}
-
-void WindowHabitsTest::commandsKeepWhatTheViewsShow() {
-    Window& w = *window_;
-    const std::string menu = w.path("groups.vkl");
-    window_test::writeGroups(menu);
-    w.host.answers = {vkl::Answer::No};
-    QVERIFY(w.open(menu));
-    QTreeView* tree = w.tree();
-    tree->collapse(w.node("Menu5"));
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, w.nodeCentre("Menu4"));
-    QScrollBar* lines = w.table()->verticalScrollBar();
-    QScrollBar* nodes = tree->verticalScrollBar();
-    lines->setValue(99);
-    nodes->setValue(nodes->maximum() / 3);
-    QCoreApplication::sendPostedEvents();
-    const int nodesAt = nodes->value();
-    QVERIFY(nodesAt > 0);
-    const auto folded = [&] {
-        QString shown;
-        for (int g = 1; g <= 20; ++g) {
-            const QModelIndex at = w.node("Menu" + std::to_string(g));
-            shown += !at.isValid() ? '_' : tree->isExpanded(at) ? '+' : '-';
-        }
-        return shown;
-    };
-    const QString before = folded();
-
-    // Commands on lines and folders further down: what the views show stays.
-    for (const char* entry : {"remove1", "removechilden", "remove2"}) {
-        QVERIFY(w.window.run([&] {
-            w.form.treeEvents.currentNodeKey =
-                std::string(entry) == "remove1" ? "Child200" : "Menu19";
-            w.form.menuClick(entry);
-        }));
-        QCoreApplication::sendPostedEvents();
-        QCOMPARE(lines->value(), 99);
-        QCOMPARE(nodes->value(), nodesAt);
-        QCOMPARE(tree->currentIndex(), w.node("Menu4"));
-    }
-    // Group 19 sat inside group 18.
-    QString after = before;
-    after[18] = '_';
-    after[19] = '_';
-    QCOMPARE(folded(), after);
-    QCOMPARE(w.host.endCount, 0);
 }
 
 QTEST_MAIN(WindowHabitsTest)
