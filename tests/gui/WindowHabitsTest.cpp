@@ -20,6 +20,7 @@ class WindowHabitsTest : public QObject, window_test::WindowCase {
     void escapeCancelsTheTextEdit();
     void openAndSaveKeysRunTheToolbarCommands();
     void everyControlFitsTheSmallestWindow();
+    void commandsKeepWhatTheViewsShow();
 };
 
 void WindowHabitsTest::dropDownOpensOnFirstClickAndWorksByKeys() {
@@ -211,6 +212,52 @@ void WindowHabitsTest::everyControlFitsTheSmallestWindow() {
         QCOMPARE(table->horizontalScrollBar()->maximum(),
                  std::max(0, columns - table->viewport()->width()));
     }
+}
+
+void WindowHabitsTest::commandsKeepWhatTheViewsShow() {
+    Window& w = *window_;
+    const std::string menu = w.path("groups.vkl");
+    window_test::writeGroups(menu);
+    w.host.answers = {vkl::Answer::No};
+    QVERIFY(w.open(menu));
+    QTreeView* tree = w.tree();
+    tree->collapse(w.node("Menu5"));
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, w.nodeCentre("Menu4"));
+    QScrollBar* lines = w.table()->verticalScrollBar();
+    QScrollBar* nodes = tree->verticalScrollBar();
+    lines->setValue(99);
+    nodes->setValue(nodes->maximum() / 3);
+    QCoreApplication::sendPostedEvents();
+    const int nodesAt = nodes->value();
+    QVERIFY(nodesAt > 0);
+    const auto folded = [&] {
+        QString shown;
+        for (int g = 1; g <= 20; ++g) {
+            const QModelIndex at = w.node("Menu" + std::to_string(g));
+            shown += !at.isValid() ? '_' : tree->isExpanded(at) ? '+' : '-';
+        }
+        return shown;
+    };
+    const QString before = folded();
+
+    // Commands on lines and folders further down: what the views show stays.
+    for (const char* entry : {"remove1", "removechilden", "remove2"}) {
+        QVERIFY(w.window.run([&] {
+            w.form.treeEvents.currentNodeKey =
+                std::string(entry) == "remove1" ? "Child200" : "Menu19";
+            w.form.menuClick(entry);
+        }));
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(lines->value(), 99);
+        QCOMPARE(nodes->value(), nodesAt);
+        QCOMPARE(tree->currentIndex(), w.node("Menu4"));
+    }
+    // Group 19 sat inside group 18.
+    QString after = before;
+    after[18] = '_';
+    after[19] = '_';
+    QCOMPARE(folded(), after);
+    QCOMPARE(w.host.endCount, 0);
 }
 
 QTEST_MAIN(WindowHabitsTest)
