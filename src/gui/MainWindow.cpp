@@ -148,9 +148,10 @@ void MainWindow::buildWidgets() {
     setCentralWidget(central);
     auto* outer = new QVBoxLayout(central);
 
-    const auto makeLabel = [central](const char* name) {
+    const auto makeLabel = [central](const char* name, QWidget* field) {
         auto* l = new QLabel(central);
         l->setObjectName(QString::fromLatin1(name));
+        l->setBuddy(field);
         return l;
     };
     const auto makeEdit = [central](const char* name) {
@@ -177,22 +178,19 @@ void MainWindow::buildWidgets() {
     };
 
     // Header fields of the menu file, above the grid.
-    label3_ = makeLabel("Label3");
+    // The fields are made in tab order, each label after the field it names.
     text2_ = makeEdit("Text2");
-    label4_ = makeLabel("Label4");
     text3_ = makeEdit("Text3");
-    label1_ = makeLabel("Label1");
     combo2_ = makeSizeField("Combo2");
-    label2_ = makeLabel("Label2");
     combo3_ = makeSizeField("Combo3");
+    label3_ = makeLabel("Label3", text2_);
+    label4_ = makeLabel("Label4", text3_);
+    label1_ = makeLabel("Label1", combo2_);
+    label2_ = makeLabel("Label2", combo3_);
     askDatadir_ = makeButton("ask_datadir");
     datadir_ = makeEdit("Datadir");
     askImagedir_ = makeButton("ask_imagedir");
     imagedir_ = makeEdit("Imagedir");
-    label1_->setBuddy(combo2_);
-    label2_->setBuddy(combo3_);
-    label3_->setBuddy(text2_);
-    label4_->setBuddy(text3_);
 
     auto* header = new QGridLayout;
     header->addWidget(label3_, 0, 0);
@@ -310,7 +308,7 @@ void MainWindow::buildWidgets() {
     body->setStretchFactor(1, 1);
     outer->addWidget(body, 1);
 
-    decfilename_ = makeLabel("decfilename");
+    decfilename_ = makeLabel("decfilename", nullptr);
     decfilename_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     // A long path is cut at the window's edge rather than widening the window.
     decfilename_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
