@@ -31,69 +31,70 @@ const QStringList kToolsTree{
 class WindowFilesTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
-    void init() { QVERIFY(start()); }
-    void openShowsTheRowsTheTreeAndTheHeader();
-    void saveShowsTheNameAndItReadsBack();
-    void refusedAndCancelledCommandsChangeNothing();
-};
+    // What the grid, the tree and the header show in text is held against vklcheck for every menu
+    // file (CliAgreementTest); here, how the views lay it out.
+    void openShowsTheRowsTheTreeAndTheHeader() {
+        Window& w = *window_;
+        QVERIFY(w.host.messages.empty());  // an empty table is overwritten without a question
+        QCOMPARE(shownText(w.window, "decfilename"),
+                 QString::fromStdString(window_test::toolsMenu()));
+        QVERIFY(!w.child<QLineEdit>("Datadir")->isEnabled());
 
-// What the grid, the tree and the header show in text is held against vklcheck for every menu
-// file (CliAgreementTest); here, how the views lay it out.
-void WindowFilesTest::openShowsTheRowsTheTreeAndTheHeader() {
-    Window& w = *window_;
-    QVERIFY(w.host.messages.empty());  // an empty table is overwritten without a question
-    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
-    QVERIFY(!w.child<QLineEdit>("Datadir")->isEnabled());
-
-    // One line below the other, inside the viewport.
-    QCOMPARE(w.table()->model()->rowCount(), 7);
-    for (int r = 1; r <= 7; ++r) {
-        const QRect line = w.table()->visualRect(w.cell(r, 1));
-        QVERIFY(w.table()->viewport()->rect().contains(line));
-        QCOMPARE(w.table()->rowAt(line.center().y()), r - 1);
+        // One line below the other, inside the viewport.
+        QCOMPARE(w.table()->model()->rowCount(), 7);
+        for (int r = 1; r <= 7; ++r) {
+            const QRect line = w.table()->visualRect(w.cell(r, 1));
+            QVERIFY(w.table()->viewport()->rect().contains(line));
+            QCOMPARE(w.table()->rowAt(line.center().y()), r - 1);
+        }
+        // Folders open as read, deeper lines made visible.
+        QCOMPARE(treeLines(w.tree()), kToolsTree);
+        const QRect metric = w.tree()->visualRect(w.node("Child3"));
+        QVERIFY(metric.isValid() && w.tree()->viewport()->rect().contains(metric));
     }
-    // Folders open as read, deeper lines made visible.
-    QCOMPARE(treeLines(w.tree()), kToolsTree);
-    const QRect metric = w.tree()->visualRect(w.node("Child3"));
-    QVERIFY(metric.isValid() && w.tree()->viewport()->rect().contains(metric));
-}
 
-void WindowFilesTest::saveShowsTheNameAndItReadsBack() {
-    Window& w = *window_;
-    const std::string out = w.path("saved.vkl");
-    w.host.saveAnswers.push_back(ScriptedHost::pick(out));
-    QVERIFY(w.clickTool("save"));
-    QCOMPARE(w.host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
-    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(out));
+    void saveShowsTheNameAndItReadsBack() {
+        Window& w = *window_;
+        const std::string out = w.path("saved.vkl");
+        w.host.saveAnswers.push_back(ScriptedHost::pick(out));
+        QVERIFY(w.clickTool("save"));
+        QCOMPARE(w.host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
+        QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(out));
 
-    // Opened again: the same lines, the titles now in upper case, no empty submenu.
-    w.host.answers = {vkl::Answer::No};
-    QVERIFY(w.open(out));
-    QCOMPARE(w.table()->model()->rowCount(), 7);
-    QCOMPARE(w.cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));
-    QCOMPARE(treeLines(w.tree()).size(), kToolsTree.size() - 1);
-    QCOMPARE(w.host.endCount, 0);
-}
+        // Opened again: the same lines, the titles now in upper case, no empty submenu.
+        w.host.answers = {vkl::Answer::No};
+        QVERIFY(w.open(out));
+        QCOMPARE(w.table()->model()->rowCount(), 7);
+        QCOMPARE(w.cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));
+        QCOMPARE(treeLines(w.tree()).size(), kToolsTree.size() - 1);
+        QCOMPARE(w.host.endCount, 0);
+    }
 
-void WindowFilesTest::refusedAndCancelledCommandsChangeNothing() {
-    Window w;
-    // A cancelled open leaves table, tree and file name as they were.
-    QVERIFY(w.open(window_test::toolsMenu()));
-    w.host.openAnswers.push_back({});
-    QVERIFY(w.clickTool("open"));
-    QCOMPARE(w.host.openRequests.size(), size_t{2});
-    QCOMPARE(w.table()->model()->rowCount(), 7);
-    QCOMPARE(treeLines(w.tree()), kToolsTree);
-    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
+    void refusedAndCancelledCommandsChangeNothing() {
+        Window w;
+        // A cancelled open leaves table, tree and file name as they were.
+        QVERIFY(w.open(window_test::toolsMenu()));
+        w.host.openAnswers.push_back({});
+        QVERIFY(w.clickTool("open"));
+        QCOMPARE(w.host.openRequests.size(), size_t{2});
+        QCOMPARE(w.table()->model()->rowCount(), 7);
+        QCOMPARE(treeLines(w.tree()), kToolsTree);
+        QCOMPARE(shownText(w.window, "decfilename"),
+                 QString::fromStdString(window_test::toolsMenu()));
 
-    // A cancelled save writes nothing and keeps the file name shown.
-    w.host.saveAnswers.push_back({});
-    QVERIFY(w.clickTool("save"));
-    QCOMPARE(w.host.saveRequests.size(), size_t{1});
-    QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(window_test::toolsMenu()));
-    QCOMPARE(QDir(w.dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
-    QCOMPARE(w.host.endCount, 0);
-}
+        // A cancelled save writes nothing and keeps the file name shown.
+        w.host.saveAnswers.push_back({});
+        QVERIFY(w.clickTool("save"));
+        QCOMPARE(w.host.saveRequests.size(), size_t{1});
+        QCOMPARE(shownText(w.window, "decfilename"),
+                 QString::fromStdString(window_test::toolsMenu()));
+        QCOMPARE(QDir(w.dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
+        QCOMPARE(w.host.endCount, 0);
+    }
+
+    // Every test starts in a new window showing the tools menu.
+    void init() { QVERIFY(start()); }
+};
 
 QTEST_MAIN(WindowFilesTest)
 #include "WindowFilesTest.moc"

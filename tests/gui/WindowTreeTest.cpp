@@ -55,6 +55,7 @@ struct TreeDrag {
         QDropEvent drop(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(w.tree()->viewport(), &drop);
     }
+
     void dropOn(const std::string& key) { dropOn(w.nodeCentre(key)); }
 };
 
@@ -63,210 +64,206 @@ struct TreeDrag {
 class WindowTreeTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
-    void init() { QVERIFY(start()); }
-    void droppedNodeBecomesTheFoldersLastChild();
-    void draggingNearTheEdgesScrollsByTheTimer();
-    void labelEditsReachTheTitleCell();
-    void popupCommandsAndViewButtonsShowInTheTree();
-    void folderClickShowsItsBitmapInThePreview();
-};
+    void droppedNodeBecomesTheFoldersLastChild() {
+        Window& w = *window_;
+        QAbstractItemModel* model = w.tree()->model();
 
-void WindowTreeTest::droppedNodeBecomesTheFoldersLastChild() {
-    Window& w = *window_;
-    QAbstractItemModel* model = w.tree()->model();
+        // The drag carries the key of the node it started on.
+        TreeDrag about(w, "Child7");
+        QCOMPARE(about.data.text(), QStringLiteral("Child7"));
+        QVERIFY(w.form.treeEvents.dragging);
+        QVERIFY(about.over(w.nodeCentre("Menu3")));
+        about.dropOn("Menu3");
+        QVERIFY(!w.form.treeEvents.dragging);
+        QCOMPARE(model->rowCount(w.node("Menu3")), 3);
+        QCOMPARE(model->index(2, 0, w.node("Menu3")), w.node("Child7"));
+        QCOMPARE(w.node("Child7").data().toString(), QStringLiteral("ABOUT"));
+        QCOMPARE(model->rowCount(w.node("Menu0")), 3);
 
-    // The drag carries the key of the node it started on.
-    TreeDrag about(w, "Child7");
-    QCOMPARE(about.data.text(), QStringLiteral("Child7"));
-    QVERIFY(w.form.treeEvents.dragging);
-    QVERIFY(about.over(w.nodeCentre("Menu3")));
-    about.dropOn("Menu3");
-    QVERIFY(!w.form.treeEvents.dragging);
-    QCOMPARE(model->rowCount(w.node("Menu3")), 3);
-    QCOMPARE(model->index(2, 0, w.node("Menu3")), w.node("Child7"));
-    QCOMPARE(w.node("Child7").data().toString(), QStringLiteral("ABOUT"));
-    QCOMPARE(model->rowCount(w.node("Menu0")), 3);
+        // Below the last node there is nothing to drop on.
+        TreeDrag nowhere(w, "Child1");
+        const QRect last = w.tree()->visualRect(w.node("Menu4"));
+        QVERIFY(!nowhere.over(QPoint(last.center().x(), last.bottom() + 40)));
 
-    // Below the last node there is nothing to drop on.
-    TreeDrag nowhere(w, "Child1");
-    const QRect last = w.tree()->visualRect(w.node("Menu4"));
-    QVERIFY(!nowhere.over(QPoint(last.center().x(), last.bottom() + 40)));
-
-    QCOMPARE(w.host.endCount, 0);
-}
-
-void WindowTreeTest::draggingNearTheEdgesScrollsByTheTimer() {
-    Window& w = *window_;
-    for (int i = 0; i < 80; ++i) {
-        QVERIFY(w.clickTool("lineadd"));
+        QCOMPARE(w.host.endCount, 0);
     }
-    QTreeView* tree = w.tree();
-    QScrollBar* bar = tree->verticalScrollBar();
-    QTRY_VERIFY(bar->maximum() > 20);
-    auto* timer = w.window.findChild<QTimer*>(QStringLiteral("Timer1"));
-    QVERIFY(!timer->isActive());
 
-    bar->setValue(bar->maximum() / 2);
-    const int middle = bar->value();
-    const QRect area = tree->viewport()->rect();
-    const double pixelsPerTwip = tree->logicalDpiY() / 1440.0;
-    const QPoint centre = area.center();
-    TreeDrag drag(w, w.form.Treeview.key(w.treeModel()->node(tree->indexAt(centre))));
-    QVERIFY(w.form.treeEvents.dragging);
+    void draggingNearTheEdgesScrollsByTheTimer() {
+        Window& w = *window_;
+        for (int i = 0; i < 80; ++i) {
+            QVERIFY(w.clickTool("lineadd"));
+        }
+        QTreeView* tree = w.tree();
+        QScrollBar* bar = tree->verticalScrollBar();
+        QTRY_VERIFY(bar->maximum() > 20);
+        auto* timer = w.window.findChild<QTimer*>(QStringLiteral("Timer1"));
+        QVERIFY(!timer->isActive());
 
-    // 50 twips below the top edge: the timer runs and each tick scrolls one line up, with the
-    // node under the pointer drawn as the drop target.
-    const QPoint nearTop(centre.x(), qRound(50 * pixelsPerTwip));
-    QVERIFY(drag.over(nearTop));
-    QVERIFY(tree->indexAt(nearTop).data(Qt::BackgroundRole).isValid());
-    QVERIFY(timer->isActive());
-    QCOMPARE(timer->interval(), 100);
-    QTRY_VERIFY(bar->value() < middle);
+        bar->setValue(bar->maximum() / 2);
+        const int middle = bar->value();
+        const QRect area = tree->viewport()->rect();
+        const double pixelsPerTwip = tree->logicalDpiY() / 1440.0;
+        const QPoint centre = area.center();
+        TreeDrag drag(w, w.form.Treeview.key(w.treeModel()->node(tree->indexAt(centre))));
+        QVERIFY(w.form.treeEvents.dragging);
 
-    // Near the bottom edge it scrolls down.
-    const int stopped = bar->value();
-    drag.over(QPoint(centre.x(), area.height() - qRound(100 * pixelsPerTwip)));
-    QVERIFY(timer->isActive());
-    QTRY_VERIFY(bar->value() > stopped);
-    drag.over(centre);
-    QVERIFY(!timer->isActive());
-    drag.dropOn(centre);
-    QVERIFY(!w.form.treeEvents.dragging);
-    QCOMPARE(w.host.endCount, 0);
-}
+        // 50 twips below the top edge: the timer runs and each tick scrolls one line up, with the
+        // node under the pointer drawn as the drop target.
+        const QPoint nearTop(centre.x(), qRound(50 * pixelsPerTwip));
+        QVERIFY(drag.over(nearTop));
+        QVERIFY(tree->indexAt(nearTop).data(Qt::BackgroundRole).isValid());
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 100);
+        QTRY_VERIFY(bar->value() < middle);
 
-void WindowTreeTest::labelEditsReachTheTitleCell() {
-    Window& w = *window_;
-    QTreeView* tree = w.tree();
+        // Near the bottom edge it scrolls down.
+        const int stopped = bar->value();
+        drag.over(QPoint(centre.x(), area.height() - qRound(100 * pixelsPerTwip)));
+        QVERIFY(timer->isActive());
+        QTRY_VERIFY(bar->value() > stopped);
+        drag.over(centre);
+        QVERIFY(!timer->isActive());
+        drag.dropOn(centre);
+        QVERIFY(!w.form.treeEvents.dragging);
+        QCOMPARE(w.host.endCount, 0);
+    }
 
-    // Opens the label editor of a node, as the user does: a click selects the node; then a
-    // second click on it, or F2, opens the editor.
-    const auto editLabel = [&](const std::string& key, bool secondClick, const char* typed) {
-        QWidget* viewport = tree->viewport();
-        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
-        QCOMPARE(tree->currentIndex(), w.node(key));
-        // The first click only selects: no editor opens, not even after a while.
-        QTest::qWait(QApplication::doubleClickInterval() + 100);
-        QVERIFY(!viewport->findChild<QLineEdit*>());
-        if (secondClick) {
+    void labelEditsReachTheTitleCell() {
+        Window& w = *window_;
+        QTreeView* tree = w.tree();
+
+        // Opens the label editor of a node, as the user does: a click selects the node; then a
+        // second click on it, or F2, opens the editor.
+        const auto editLabel = [&](const std::string& key, bool secondClick, const char* typed) {
+            QWidget* viewport = tree->viewport();
             QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
-            QTRY_VERIFY(viewport->findChild<QLineEdit*>());
-        } else {
-            QTest::keyClick(tree, Qt::Key_F2);
-        }
-        auto* editor = viewport->findChild<QLineEdit*>();
-        QVERIFY(editor && editor->isVisible());
-        editor->selectAll();
-        QTest::keyClicks(editor, typed);
-        QTest::keyClick(editor, Qt::Key_Return);
-        // The editor hands its text over once the key is done.
-        QTRY_VERIFY(!viewport->findChild<QLineEdit*>());
-    };
-
-    // An item's new label is written, as typed, into its line's title.
-    editLabel("Child4", true, "very fine");
-    if (QTest::currentTestFailed()) {
-        return;
-    }
-    QCOMPARE(w.cellText(4, 1), QStringLiteral("very fine"));
-    QCOMPARE(w.node("Child4").data().toString(), QStringLiteral("very fine"));
-    QCOMPARE(w.cellText(3, 1), QStringLiteral("Metric"));
-
-    // A folder's label changes the tree only.
-    editLabel("Menu3", false, "Grooves");
-    if (QTest::currentTestFailed()) {
-        return;
-    }
-    QCOMPARE(w.node("Menu3").data().toString(), QStringLiteral("Grooves"));
-    QCOMPARE(w.host.endCount, 0);
-
-    // The window goes while an editor is still open: the editor commits as it closes, and the
-    // window, half gone, must not take that for an edit.
-    QTest::keyClick(tree, Qt::Key_F2);
-    auto* open = tree->viewport()->findChild<QLineEdit*>();
-    QVERIFY(open && open->isVisible());
-    open->setFocus();
-    QTest::keyClicks(open, "x");
-}
-
-void WindowTreeTest::popupCommandsAndViewButtonsShowInTheTree() {
-    Window& w = *window_;
-    QTreeView* tree = w.tree();
-    const auto rightClick = [&](const std::string& key, const char* entry) {
-        w.host.popupAnswers = {entry};
-        QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, w.nodeCentre(key));
-    };
-
-    // The view buttons, over a new folder at the top and one inside Threads.
-    rightClick("Menu0", "addsub");
-    rightClick("Menu2", "addsub");
-    QCOMPARE(w.node("Menu6").parent(), w.node("Menu2"));
-    const auto expandedFolders = [&] {
-        QStringList open;
-        for (const char* key : {"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}) {
-            if (tree->isExpanded(w.node(key))) {
-                open << QLatin1String(key);
+            QCOMPARE(tree->currentIndex(), w.node(key));
+            // The first click only selects: no editor opens, not even after a while.
+            QTest::qWait(QApplication::doubleClickInterval() + 100);
+            QVERIFY(!viewport->findChild<QLineEdit*>());
+            if (secondClick) {
+                QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
+                QTRY_VERIFY(viewport->findChild<QLineEdit*>());
+            } else {
+                QTest::keyClick(tree, Qt::Key_F2);
             }
+            auto* editor = viewport->findChild<QLineEdit*>();
+            QVERIFY(editor && editor->isVisible());
+            editor->selectAll();
+            QTest::keyClicks(editor, typed);
+            QTest::keyClick(editor, Qt::Key_Return);
+            // The editor hands its text over once the key is done.
+            QTRY_VERIFY(!viewport->findChild<QLineEdit*>());
+        };
+
+        // An item's new label is written, as typed, into its line's title.
+        editLabel("Child4", true, "very fine");
+        if (QTest::currentTestFailed()) {
+            return;
         }
-        return open;
-    };
-    QTest::mouseClick(w.child<QWidget>("Colapse"), Qt::LeftButton);
-    QCOMPARE(expandedFolders(), QStringList());
-    QCOMPARE(w.form.treeEvents.currentNodeKey, std::string("Menu6"));
-    QTest::mouseClick(w.child<QWidget>("Expand"), Qt::LeftButton);
-    QCOMPARE(expandedFolders(),
-             (QStringList{"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}));
-    QVERIFY(tree->viewport()->rect().intersects(tree->visualRect(w.node("Menu6"))));
-    QTest::mouseClick(w.child<QWidget>("onlymenus"), Qt::LeftButton);
-    QCOMPARE(expandedFolders(), (QStringList{"Menu0", "Menu1", "Menu2"}));
-    QCOMPARE(w.host.endCount, 0);
-}
+        QCOMPARE(w.cellText(4, 1), QStringLiteral("very fine"));
+        QCOMPARE(w.node("Child4").data().toString(), QStringLiteral("very fine"));
+        QCOMPARE(w.cellText(3, 1), QStringLiteral("Metric"));
 
-void WindowTreeTest::folderClickShowsItsBitmapInThePreview() {
-    Window w;
-    // A window with room beside it on the screen.
-    const QRect screen = w.window.screen()->availableGeometry();
-    w.window.setGeometry(QRect(screen.topLeft(), w.window.minimumSizeHint()));
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    QVERIFY(QDir(w.dir.path()).mkdir(QStringLiteral("img")));
-    vkl::test::writeBmp(w.path("img/holes.bmp"), 48, 32);
-    vkl::test::writeBmp(w.path("img/threads.bmp"), 64, 40);
-    QVERIFY(w.open(window_test::toolsMenu()));
-    QVERIFY(!w.child<QWidget>("preview"));
-    const QSize margins(qRound(850 * w.window.logicalDpiX() / 1440.0),
-                        qRound(500 * w.window.logicalDpiY() / 1440.0));
-    QWidget* viewport = w.tree()->viewport();
+        // A folder's label changes the tree only.
+        editLabel("Menu3", false, "Grooves");
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QCOMPARE(w.node("Menu3").data().toString(), QStringLiteral("Grooves"));
+        QCOMPARE(w.host.endCount, 0);
 
-    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu1"));
-    auto* preview = w.child<QWidget>("preview");
-    QVERIFY(preview && preview->isVisible() && preview->isWindow());
-    QCOMPARE(preview->parentWidget(), &w.window);
-    auto* box = preview->findChild<QLabel*>(QStringLiteral("Picture1"));
-    const auto expectPicture = [&](QSize size) {
-        QCOMPARE(box->pixmap().size(), size);
-        QCOMPARE(box->size(), size);
-        QCOMPARE(preview->size(), size + margins);
-        QVERIFY(preview->rect().contains(box->geometry()));
-    };
-    expectPicture(QSize(48, 32));
-    // It opens beside the window, on the tree's side, and keeps the edge next to it.
-    QVERIFY(!preview->frameGeometry().intersects(w.window.frameGeometry()));
-    QVERIFY(preview->frameGeometry().left() > w.tree()->mapToGlobal(QPoint(0, 0)).x());
-    QVERIFY(screen.contains(preview->frameGeometry()));
-    const QPoint corner = preview->frameGeometry().topLeft();
+        // The window goes while an editor is still open: the editor commits as it closes, and the
+        // window, half gone, must not take that for an edit.
+        QTest::keyClick(tree, Qt::Key_F2);
+        auto* open = tree->viewport()->findChild<QLineEdit*>();
+        QVERIFY(open && open->isVisible());
+        open->setFocus();
+        QTest::keyClicks(open, "x");
+    }
 
-    // A second folder replaces the picture in the same window.
-    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu2"));
-    QCOMPARE(w.child<QWidget>("preview"), preview);
-    expectPicture(QSize(64, 40));
-    QCOMPARE(preview->frameGeometry().topLeft(), corner);
+    void popupCommandsAndViewButtonsShowInTheTree() {
+        Window& w = *window_;
+        QTreeView* tree = w.tree();
+        const auto rightClick = [&](const std::string& key, const char* entry) {
+            w.host.popupAnswers = {entry};
+            QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, w.nodeCentre(key));
+        };
 
-    // A folder without a bitmap shows nothing new.
-    QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu3"));
-    QVERIFY(w.host.messages.empty());
-    QCOMPARE(box->pixmap().size(), QSize(64, 40));
-    QVERIFY(preview->isVisible());
-}
+        // The view buttons, over a new folder at the top and one inside Threads.
+        rightClick("Menu0", "addsub");
+        rightClick("Menu2", "addsub");
+        QCOMPARE(w.node("Menu6").parent(), w.node("Menu2"));
+        const auto expandedFolders = [&] {
+            QStringList open;
+            for (const char* key : {"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}) {
+                if (tree->isExpanded(w.node(key))) {
+                    open << QLatin1String(key);
+                }
+            }
+            return open;
+        };
+        QTest::mouseClick(w.child<QWidget>("Colapse"), Qt::LeftButton);
+        QCOMPARE(expandedFolders(), QStringList());
+        QCOMPARE(w.form.treeEvents.currentNodeKey, std::string("Menu6"));
+        QTest::mouseClick(w.child<QWidget>("Expand"), Qt::LeftButton);
+        QCOMPARE(expandedFolders(),
+                 (QStringList{"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}));
+        QVERIFY(tree->viewport()->rect().intersects(tree->visualRect(w.node("Menu6"))));
+        QTest::mouseClick(w.child<QWidget>("onlymenus"), Qt::LeftButton);
+        QCOMPARE(expandedFolders(), (QStringList{"Menu0", "Menu1", "Menu2"}));
+        QCOMPARE(w.host.endCount, 0);
+    }
+
+    void folderClickShowsItsBitmapInThePreview() {
+        Window w;
+        // A window with room beside it on the screen.
+        const QRect screen = w.window.screen()->availableGeometry();
+        w.window.setGeometry(QRect(screen.topLeft(), w.window.minimumSizeHint()));
+        QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+        QVERIFY(QDir(w.dir.path()).mkdir(QStringLiteral("img")));
+        vkl::test::writeBmp(w.path("img/holes.bmp"), 48, 32);
+        vkl::test::writeBmp(w.path("img/threads.bmp"), 64, 40);
+        QVERIFY(w.open(window_test::toolsMenu()));
+        QVERIFY(!w.child<QWidget>("preview"));
+        const QSize margins(qRound(850 * w.window.logicalDpiX() / 1440.0),
+                            qRound(500 * w.window.logicalDpiY() / 1440.0));
+        QWidget* viewport = w.tree()->viewport();
+
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu1"));
+        auto* preview = w.child<QWidget>("preview");
+        QVERIFY(preview && preview->isVisible() && preview->isWindow());
+        QCOMPARE(preview->parentWidget(), &w.window);
+        auto* box = preview->findChild<QLabel*>(QStringLiteral("Picture1"));
+        const auto expectPicture = [&](QSize size) {
+            QCOMPARE(box->pixmap().size(), size);
+            QCOMPARE(box->size(), size);
+            QCOMPARE(preview->size(), size + margins);
+            QVERIFY(preview->rect().contains(box->geometry()));
+        };
+        expectPicture(QSize(48, 32));
+        // It opens beside the window, on the tree's side, and keeps the edge next to it.
+        QVERIFY(!preview->frameGeometry().intersects(w.window.frameGeometry()));
+        QVERIFY(preview->frameGeometry().left() > w.tree()->mapToGlobal(QPoint(0, 0)).x());
+        QVERIFY(screen.contains(preview->frameGeometry()));
+        const QPoint corner = preview->frameGeometry().topLeft();
+
+        // A second folder replaces the picture in the same window.
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu2"));
+        QCOMPARE(w.child<QWidget>("preview"), preview);
+        expectPicture(QSize(64, 40));
+        QCOMPARE(preview->frameGeometry().topLeft(), corner);
+
+        // A folder without a bitmap shows nothing new.
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu3"));
+        QVERIFY(w.host.messages.empty());
+        QCOMPARE(box->pixmap().size(), QSize(64, 40));
+        QVERIFY(preview->isVisible());
+    }
+
+    // Every test starts in a new window showing the tools menu.
+    void init() { QVERIFY(start()); }
+};
 
 QTEST_MAIN(WindowTreeTest)
 #include "WindowTreeTest.moc"
