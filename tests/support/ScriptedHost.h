@@ -33,7 +33,6 @@ class ScriptedHost : public Host {
     std::vector<FileDialog> saveRequests;
     std::vector<std::string> browseTitles;
     std::vector<std::string> popups;
-    std::vector<std::string> picturesLoaded;
     int endCount = 0;
 
     Answer msgBox(const MessageBox& box) override;
@@ -52,8 +51,6 @@ class ScriptedHost : public Host {
     const std::string& lastPrompt() const;
 };
 
-// Reads width and height from a BMP file header; none when the file is no BMP.
-std::optional<PictureSize> bmpSize(const std::string& path);
 // Writes a small valid 24-bit BMP of the given size.
 void writeBmp(const std::string& path, int width, int height);
 
