@@ -237,10 +237,8 @@ void expectLine(const Grid& g, int row, Color color) {
 }
 
 TEST(TreeEvents, ItemClickScrollsToTheLineAndMovesTheHighlight) {
-    Keys outline{"M"};
-    for (int i = 1; i <= 20; ++i) {
-        outline.push_back(" line");
-    }
+    Keys outline(21, " line");
+    outline[0] = "M";
     Window w(outline);
     Form1& f = w.form;
     f.treeviewNodeClick("Child11");
