@@ -95,11 +95,9 @@ TEST_F(FileFlows, AppendQuestionDecidesBetweenAppendAndOverwrite) {
         form.Table.setTextMatrix(3, c, "");
     }
     open(example, Answer::Yes);
-    ASSERT_EQ(host.messages.size(), 1u);
-    const MessageBox& ask = host.messages[0];
-    EXPECT_EQ(ask.prompt, "Table has already data inside ! \rDo you want to append to the end !");
-    EXPECT_EQ(ask.title, "Overwrite or append ?");
-    EXPECT_TRUE(ask.buttons == Buttons::YesNo && ask.questionIcon && ask.defaultNo);
+    EXPECT_EQ(host.boxes(),
+              "[Overwrite or append ?] Table has already data inside ! \rDo you want "
+              "to append to the end ! {yes/no ? no-first}\n");
     EXPECT_EQ(form.Table.rows(), 6);
     EXPECT_EQ(form.Table.textMatrix(2, 1) + "|" + form.Table.textMatrix(3, 1),
               "Library|Through hole");

@@ -29,14 +29,6 @@ struct FileWriter : ::testing::Test {
     }
     // The body lines written to the file (after comments and header).
     std::string body(const std::string& name) { return linesFrom(dir.file(name)); }
-    // The messages shown, one per line, each after its title when it has one.
-    std::string prompts() const {
-        std::string p;
-        for (const MessageBox& box : host.messages) {
-            p += (box.title ? *box.title + ": " : "") + box.prompt + "\n";
-        }
-        return p;
-    }
 };
 
 TEST_F(FileWriter, CheckCountsRowsFromTheirFirstFilledCellAndRefusesWithoutAGoodOne) {
@@ -58,11 +50,12 @@ TEST_F(FileWriter, CheckCountsRowsFromTheirFirstFilledCellAndRefusesWithoutAGood
     EXPECT_EQ(readBytes(dir.file("old.vkl")), "old contents");
     EXPECT_FALSE(fs::exists(dir.file("new.vkl")));
     EXPECT_TRUE(!record.saved && record.skippedCount == 0 && record.skippedRows.empty());
-    EXPECT_EQ(prompts(),
-              "Check before saving failed !: Table is all empty or all existing lines have missing "
-              "entries  ! Nothing to save !\nKontrolle vor dem Abspeichern ist gescheitert !: "
-              "Tabelle ist komplett leer oder alle Zeilen haben mindestens eine fehlende Spalte ! "
-              "Es wurde nicht abgespeichert ! \n");
+    EXPECT_EQ(
+        host.boxes(),
+        "[Check before saving failed !] Table is all empty or all existing lines have missing "
+        "entries  ! Nothing to save !\n[Kontrolle vor dem Abspeichern ist gescheitert !] "
+        "Tabelle ist komplett leer oder alle Zeilen haben mindestens eine fehlende Spalte ! "
+        "Es wurde nicht abgespeichert ! \n");
 }
 
 // A clock that moves on at every reading: month from the first, day from the second, ...
@@ -107,7 +100,7 @@ TEST_F(FileWriter, TreeWalkWritesNodesDepthFirstFromTheirRows) {
               " Broken||S|Broken\nLAST|l.bmp|F|shown\n");
     EXPECT_TRUE(record.saved && record.skippedCount == 2);
     EXPECT_EQ(record.skippedRows, (std::vector<int16_t>{1, 4}));
-    EXPECT_EQ(prompts(),
+    EXPECT_EQ(host.boxes(),
               "Menu 'Empty' without children is ignored !\n"
               "Following table lines have missing entries and are not stored :\r\r1,4\n");
 
@@ -155,7 +148,7 @@ TEST_F(FileWriter, OpenThenSaveChangesOnlyWhatTheEditorChanges) {
     m.readFile(std::string(VKL_TEST_DATA) + "/mixed.vkl");
     save("out.vkl");
     // The lines themselves: vklcheck's resave and round trip groups.
-    EXPECT_EQ(prompts(), "Menu 'Leer' without children is ignored !\n");
+    EXPECT_EQ(host.boxes(), "Menu 'Leer' without children is ignored !\n");
 
     // Two pairs plus both directory forms make four SHORTCUT lines: reading the saved file
     // back ends at the third.

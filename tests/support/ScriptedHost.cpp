@@ -96,6 +96,17 @@ const std::string& ScriptedHost::lastPrompt() const {
     return messages.back().prompt;
 }
 
+std::string ScriptedHost::boxes() const {
+    std::string s;
+    for (const MessageBox& b : messages) {
+        const std::string flags = std::string(b.buttons == Buttons::YesNo ? " yes/no" : "") +
+                                  (b.questionIcon ? " ?" : "") + (b.defaultNo ? " no-first" : "");
+        s += (b.title ? "[" + *b.title + "] " : "") + b.prompt +
+             (flags.empty() ? "" : " {" + flags.substr(1) + "}") + "\n";
+    }
+    return s;
+}
+
 void writeBmp(const std::string& path, int width, int height) {
     const int rowBytes = (width * 3 + 3) & ~3;
     const auto pixelBytes = static_cast<uint32_t>(rowBytes * height);

@@ -49,6 +49,9 @@ class ScriptedHost : public Host {
     // The answer a dialog gives when the user picks this file.
     static ChosenFile pick(const std::string& fullName);
     const std::string& lastPrompt() const;
+    // The message boxes shown, one a line: "[title] prompt {yes/no ? no-first}", the title
+    // only when one was given, the braces only for what differs from a plain OK box.
+    std::string boxes() const;
 };
 
 // Writes a small valid 24-bit BMP of the given size.
