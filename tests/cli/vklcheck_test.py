@@ -408,10 +408,8 @@ def random_menu(rng):
 def saves_until_unreadable(pairs):
     """How often a file read with these SHORTCUT pairs can be saved before the next open ends."""
     for saves in range(1, 9):
-        datadir = bmpdir = ""
-        for key, value in pairs:
-            datadir = value if key.lower() == "datadir" else datadir
-            bmpdir = value if key.lower() == "bmpdir" else bmpdir
+        values = {key.lower(): value for key, value in pairs}  # the last pair of a key counts
+        datadir, bmpdir = values.get("datadir", ""), values.get("bmpdir", "")
         written = [(k, v) for k, v in pairs if k and v] + ([(datadir, datadir)] if datadir else []) \
             + ([("", bmpdir)] if bmpdir else [])
         if len(written) > 2:
@@ -460,16 +458,13 @@ def main():
     global VKL, CLI_DATA, TMP
     if len(sys.argv) != 4 or sys.argv[1] not in GROUPS:
         sys.exit(f"usage: {sys.argv[0]} {{{'|'.join(GROUPS)}}} VKLCHECK DATA_DIR")
-    VKL = os.path.abspath(sys.argv[2])
-    CLI_DATA = os.path.join(os.path.abspath(sys.argv[3]), "cli")
+    VKL, CLI_DATA = os.path.abspath(sys.argv[2]), os.path.join(os.path.abspath(sys.argv[3]), "cli")
     TMP = tempfile.mkdtemp(prefix="vklcheck-")
     try:
         GROUPS[sys.argv[1]]()
     finally:
         shutil.rmtree(TMP, ignore_errors=True)
-    for f in failures:
-        print("FAILED:", f)
-    print(f"{sys.argv[1]}: {len(failures)} failure(s)")
+    print("".join(f"FAILED: {f}\n" for f in failures) + f"{sys.argv[1]}: {len(failures)} failure(s)")
     sys.exit(1 if failures else 0)
 
 
