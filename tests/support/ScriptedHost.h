@@ -17,11 +17,10 @@ namespace vkl::test {
 class ScriptedHost : public Host {
   public:
     // Scripts.
-    std::deque<Answer> answers;          // for Yes/No questions
-    std::deque<ChosenFile> openAnswers;  // open dialogs (empty fileName = cancel)
-    std::deque<ChosenFile> saveAnswers;
-    std::deque<std::string> folderAnswers;  // folder browser (empty = cancel)
-    std::deque<std::string> popupAnswers;   // entry chosen in a pop-up menu (empty = none)
+    std::deque<Answer> answers;                       // for Yes/No questions
+    std::deque<ChosenFile> openAnswers, saveAnswers;  // file dialogs (empty fileName = cancel)
+    std::deque<std::string> folderAnswers;            // folder browser (empty = cancel)
+    std::deque<std::string> popupAnswers;  // entry chosen in a pop-up menu (empty = none)
     std::function<void(const std::string& menu)> onPopup;  // runs while the pop-up is open
     std::optional<std::string> temp;  // temporary folder; none = the call fails
     std::vector<std::string> env;     // "NAME=value" entries
@@ -29,8 +28,7 @@ class ScriptedHost : public Host {
 
     // Records.
     std::vector<MessageBox> messages;
-    std::vector<FileDialog> openRequests;
-    std::vector<FileDialog> saveRequests;
+    std::vector<FileDialog> openRequests, saveRequests;
     std::vector<std::string> browseTitles;
     std::vector<std::string> popups;
     int endCount = 0;
