@@ -26,36 +26,29 @@ class RandomHost : public test::ScriptedHost {
 
     Answer msgBox(const MessageBox& box) override {
         messages.push_back(box);
-        if (box.buttons != Buttons::YesNo) {
-            return Answer::Ok;
-        }
-        return rng_() % 2 == 0 ? Answer::Yes : Answer::No;
+        return box.buttons != Buttons::YesNo ? Answer::Ok : pick({Answer::Yes, Answer::No});
     }
     ChosenFile openDialog(const FileDialog&) override { return choose(); }
     ChosenFile saveDialog(const FileDialog&) override { return choose(); }
-    std::string browseForFolder(const std::string&) override {
-        return rng_() % 2 == 0 ? std::string() : std::string("C:\\data");
-    }
+    std::string browseForFolder(const std::string&) override { return pick({"", "C:\\data"}); }
     // An entry of the pop-up menu shown, or none.
     std::string popupMenu(const std::string& menu) override {
-        if (text::lower(menu) == "menu1") {
-            return pick({"", "addsub"});
-        }
-        if (text::lower(menu) == "menu2") {
-            return pick({"", "addabove1", "remove1"});
-        }
-        return pick({"", "addabove2", "addbelow2", "remove2", "removechilden", "addimage"});
+        const std::string m = text::lower(menu);
+        return m == "menu1" ? pick({"", "addsub"})
+               : m == "menu2"
+                   ? pick({"", "addabove1", "remove1"})
+                   : pick({"", "addabove2", "addbelow2", "remove2", "removechilden", "addimage"});
     }
     PictureSize loadPicture(const std::string&) override { return {16, 16}; }
 
-    std::string pick(const std::vector<std::string>& from) { return from[rng_() % from.size()]; }
-
   private:
+    template <typename T>
+    T pick(std::initializer_list<T> from) {
+        return from.begin()[rng_() % from.size()];
+    }
     ChosenFile choose() {
-        if (files.empty() || rng_() % 4 == 0) {
-            return {};
-        }
-        return test::ScriptedHost::pick(pick(files));
+        return files.empty() || rng_() % 4 == 0 ? ChosenFile{}
+                                                : ScriptedHost::pick(files[rng_() % files.size()]);
     }
 
     std::mt19937& rng_;

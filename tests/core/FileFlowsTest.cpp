@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <optional>
 
 #include "app/Form1.h"
 #include "menufile/Format.h"
@@ -27,13 +28,19 @@ struct FileFlows : ::testing::Test {
         fs::create_directory(menus);
         fs::copy_file(std::string(VKL_TEST_DATA) + "/example.vkl", example);
     }
-    void open(const std::string& path) {
+    // Opens the file, answering the append question when one is given.
+    void open(const std::string& path, std::optional<Answer> append = {}) {
+        if (append) {
+            host.answers.push_back(*append);
+        }
         host.openAnswers.push_back(ScriptedHost::pick(path));
         form.toolbarClick("open");
     }
-    void cancelOpen() {
+    // The folder the open dialog started in, which is then cancelled.
+    std::string cancelOpen() {
         host.openAnswers.push_back(ChosenFile{});
         form.openFlow();
+        return host.openRequests.back().initialDir;
     }
     std::string shape() const { return test::shape(form.Treeview); }
 };
@@ -50,30 +57,25 @@ TEST_F(FileFlows, OpenRemembersTheFolderInTheTemporaryFolder) {
     EXPECT_TRUE(host.messages.empty());
 
     // The next open starts there; cancelled, it changes nothing and asks nothing.
-    cancelOpen();
-    EXPECT_EQ(host.openRequests[1].initialDir, menus);
+    EXPECT_EQ(cancelOpen(), menus);
     EXPECT_EQ(form.Table.rows(), 4);
     EXPECT_TRUE(host.messages.empty());
 
     // The delimited read cuts at a comma, unless the text is quoted.
     test::writeBytes(lastFolderFile, "  /with \t ,comma/\r\n");
-    cancelOpen();
-    EXPECT_EQ(host.openRequests[2].initialDir, "/with");
+    EXPECT_EQ(cancelOpen(), "/with");
     test::writeBytes(lastFolderFile, "\"/quoted, too/\"\r\n");
-    cancelOpen();
-    EXPECT_EQ(host.openRequests[3].initialDir, "/quoted, too/");
+    EXPECT_EQ(cancelOpen(), "/quoted, too/");
 
     // An open writes the file over whatever longer text it held: its line and nothing after.
     test::writeBytes(lastFolderFile, std::string(3 * menus.size(), 'x') + "\r\nsecond line\r\n");
-    host.answers.push_back(Answer::No);
-    open(example);
+    open(example, Answer::No);
     EXPECT_EQ(readBytes(lastFolderFile), menus + "\r\n");
 
     // Without a temporary folder the file is neither read nor written.
     fs::remove(lastFolderFile);
     host.temp.reset();
-    host.answers.push_back(Answer::No);
-    open(example);
+    open(example, Answer::No);
     EXPECT_EQ(host.openRequests[5].initialDir, "");
     EXPECT_FALSE(fs::exists(lastFolderFile));
 }
@@ -92,22 +94,18 @@ TEST_F(FileFlows, AppendQuestionDecidesBetweenAppendAndOverwrite) {
     for (int c = 1; c < 6; ++c) {
         form.Table.setTextMatrix(3, c, "");
     }
-    host.answers.push_back(Answer::Yes);
-    open(example);
-    ASSERT_EQ(host.messages.size(), 1u);
-    const MessageBox& ask = host.messages[0];
-    EXPECT_EQ(ask.prompt, "Table has already data inside ! \rDo you want to append to the end !");
-    EXPECT_EQ(ask.title, "Overwrite or append ?");
-    EXPECT_TRUE(ask.buttons == Buttons::YesNo && ask.questionIcon && ask.defaultNo);
+    open(example, Answer::Yes);
+    EXPECT_EQ(host.boxes(),
+              "[Overwrite or append ?] Table has already data inside ! \rDo you want "
+              "to append to the end ! {yes/no ? no-first}\n");
     EXPECT_EQ(form.Table.rows(), 6);
-    EXPECT_EQ(form.Table.textMatrix(2, 1), "Library");
-    EXPECT_EQ(form.Table.textMatrix(3, 1), "Through hole");
+    EXPECT_EQ(form.Table.textMatrix(2, 1) + "|" + form.Table.textMatrix(3, 1),
+              "Library|Through hole");
     EXPECT_EQ(shape(), "Menu0{Menu7{Child3 Child4} Child5}");
 
     // No overwrites and numbers the folders from 1 again; German asks in German.
     form.languageCode = 2;
-    host.answers.push_back(Answer::No);
-    open(example);
+    open(example, Answer::No);
     EXPECT_EQ(host.messages[1].title, "Daten einfuegen ?");
     EXPECT_EQ(form.Table.rows(), 4);
     EXPECT_EQ(shape(), "Menu0{Menu1{Child1 Child2} Child3}");
@@ -116,8 +114,7 @@ TEST_F(FileFlows, AppendQuestionDecidesBetweenAppendAndOverwrite) {
 // The toolbar button or pop-up menu takes the focus: an open editor is taken over first, so
 // neither the read nor a removal leaves it over a row that is gone.
 TEST_F(FileFlows, OpenEditorsAreTakenOverBeforeRowsGo) {
-    host.answers.push_back(Answer::Yes);
-    open(example);
+    open(example, Answer::Yes);
     open(example);  // rows 1 to 6
     auto startEdit = [&](int row, int col, int key) {
         form.Table.setRow(row);
@@ -127,15 +124,13 @@ TEST_F(FileFlows, OpenEditorsAreTakenOverBeforeRowsGo) {
     startEdit(6, 1, 'x');
     startEdit(6, 3, 'd');
     form.Combo1.text = "Dialog";
-    host.answers.push_back(Answer::No);
-    open(example);
+    open(example, Answer::No);
     EXPECT_FALSE(form.Text1.visible || form.Combo1.visible);
     EXPECT_EQ(form.Table.rows(), 4);
 
     // The edit reaches its cell before the file is appended after it.
     startEdit(2, 1, 'q');
-    host.answers.push_back(Answer::Yes);
-    open(example);
+    open(example, Answer::Yes);
     EXPECT_EQ(form.Table.textMatrix(2, 1), "Q");
 
     // A removal from the pop-up menu: the drop-down writes its code, then its row goes.

@@ -127,19 +127,13 @@ struct Model {
     }
     std::string shape() const { return test::shape(nodes); }
     std::string text(const std::string& key) const { return nodes.text(nodes.byKey(key)); }
-    // Columns 0..6 of a row, joined by "|".
-    std::string row(int r) const {
-        std::string s = grid.textMatrix(r, 0);
-        for (int c = 1; c < Grid::kCols; ++c) {
-            s += "|" + grid.textMatrix(r, c);
-        }
-        return s;
-    }
-    // Rows from `from` on, one per line.
+    // Rows from `from` on, one per line, columns 0..6 joined by "|".
     std::string rows(int from = 1) const {
         std::string s;
         for (int r = from; r < grid.rows(); ++r) {
-            s += row(r) + "\n";
+            for (int c = 0; c < Grid::kCols; ++c) {
+                s += grid.textMatrix(r, c) + (c + 1 < Grid::kCols ? "|" : "\n");
+            }
         }
         return s;
     }

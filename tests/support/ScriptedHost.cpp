@@ -19,14 +19,30 @@ T take(std::deque<T>& queue, const char* what) {
     queue.pop_front();
     return v;
 }
+
+// Width and height from a BMP file header; none when the file is no BMP.
+std::optional<PictureSize> bmpSize(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    unsigned char h[26] = {};
+    if (!in.read(reinterpret_cast<char*>(h), sizeof h) || h[0] != 'B' || h[1] != 'M') {
+        return std::nullopt;
+    }
+    auto le32 = [&](int at) {
+        return static_cast<int32_t>(h[at] | h[at + 1] << 8 | h[at + 2] << 16 |
+                                    uint32_t{h[at + 3]} << 24);
+    };
+    const int32_t w = le32(18);
+    const int32_t hgt = le32(22);
+    if (w <= 0 || hgt == 0) {
+        return std::nullopt;
+    }
+    return PictureSize{w, hgt < 0 ? -hgt : hgt};
+}
 }  // namespace
 
 Answer ScriptedHost::msgBox(const MessageBox& box) {
     messages.push_back(box);
-    if (box.buttons == Buttons::YesNo) {
-        return take(answers, "a Yes/No question");
-    }
-    return Answer::Ok;
+    return box.buttons == Buttons::YesNo ? take(answers, "a Yes/No question") : Answer::Ok;
 }
 
 ChosenFile ScriptedHost::openDialog(const FileDialog& dialog) {
@@ -45,14 +61,11 @@ std::string ScriptedHost::browseForFolder(const std::string& title) {
 }
 
 std::string ScriptedHost::environ(int index) {
-    if (index < 1 || static_cast<size_t>(index) > env.size()) {
-        return {};
-    }
-    return env[static_cast<size_t>(index) - 1];
+    const auto i = static_cast<size_t>(index);
+    return index >= 1 && i <= env.size() ? env[i - 1] : std::string();
 }
 
 PictureSize ScriptedHost::loadPicture(const std::string& path) {
-    picturesLoaded.push_back(path);
     const auto size = bmpSize(path);
     if (!size) {
         throw RuntimeError::invalidPicture();
@@ -65,12 +78,7 @@ std::string ScriptedHost::popupMenu(const std::string& menu) {
     if (onPopup) {
         onPopup(menu);
     }
-    if (popupAnswers.empty()) {
-        return {};
-    }
-    std::string entry = popupAnswers.front();
-    popupAnswers.pop_front();
-    return entry;
+    return popupAnswers.empty() ? std::string() : take(popupAnswers, "a pop-up menu");
 }
 
 ChosenFile ScriptedHost::pick(const std::string& fullName) {
@@ -88,25 +96,15 @@ const std::string& ScriptedHost::lastPrompt() const {
     return messages.back().prompt;
 }
 
-std::optional<PictureSize> bmpSize(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    unsigned char h[26] = {};
-    if (!in.read(reinterpret_cast<char*>(h), sizeof h) || h[0] != 'B' || h[1] != 'M') {
-        return std::nullopt;
+std::string ScriptedHost::boxes() const {
+    std::string s;
+    for (const MessageBox& b : messages) {
+        const std::string flags = std::string(b.buttons == Buttons::YesNo ? " yes/no" : "") +
+                                  (b.questionIcon ? " ?" : "") + (b.defaultNo ? " no-first" : "");
+        s += (b.title ? "[" + *b.title + "] " : "") + b.prompt +
+             (flags.empty() ? "" : " {" + flags.substr(1) + "}") + "\n";
     }
-    auto le32 = [&](int at) {
-        uint32_t v = 0;
-        for (int i = 3; i >= 0; --i) {
-            v = (v << 8) | h[at + i];
-        }
-        return static_cast<int32_t>(v);
-    };
-    const int32_t w = le32(18);
-    const int32_t hgt = le32(22);
-    if (w <= 0 || hgt == 0) {
-        return std::nullopt;
-    }
-    return PictureSize{w, hgt < 0 ? -hgt : hgt};
+    return s;
 }
 
 void writeBmp(const std::string& path, int width, int height) {

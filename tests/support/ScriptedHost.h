@@ -17,11 +17,10 @@ namespace vkl::test {
 class ScriptedHost : public Host {
   public:
     // Scripts.
-    std::deque<Answer> answers;          // for Yes/No questions
-    std::deque<ChosenFile> openAnswers;  // open dialogs (empty fileName = cancel)
-    std::deque<ChosenFile> saveAnswers;
-    std::deque<std::string> folderAnswers;  // folder browser (empty = cancel)
-    std::deque<std::string> popupAnswers;   // entry chosen in a pop-up menu (empty = none)
+    std::deque<Answer> answers;                       // for Yes/No questions
+    std::deque<ChosenFile> openAnswers, saveAnswers;  // file dialogs (empty fileName = cancel)
+    std::deque<std::string> folderAnswers;            // folder browser (empty = cancel)
+    std::deque<std::string> popupAnswers;  // entry chosen in a pop-up menu (empty = none)
     std::function<void(const std::string& menu)> onPopup;  // runs while the pop-up is open
     std::optional<std::string> temp;  // temporary folder; none = the call fails
     std::vector<std::string> env;     // "NAME=value" entries
@@ -29,11 +28,9 @@ class ScriptedHost : public Host {
 
     // Records.
     std::vector<MessageBox> messages;
-    std::vector<FileDialog> openRequests;
-    std::vector<FileDialog> saveRequests;
+    std::vector<FileDialog> openRequests, saveRequests;
     std::vector<std::string> browseTitles;
     std::vector<std::string> popups;
-    std::vector<std::string> picturesLoaded;
     int endCount = 0;
 
     Answer msgBox(const MessageBox& box) override;
@@ -50,10 +47,11 @@ class ScriptedHost : public Host {
     // The answer a dialog gives when the user picks this file.
     static ChosenFile pick(const std::string& fullName);
     const std::string& lastPrompt() const;
+    // The message boxes shown, one a line: "[title] prompt {yes/no ? no-first}", the title
+    // only when one was given, the braces only for what differs from a plain OK box.
+    std::string boxes() const;
 };
 
-// Reads width and height from a BMP file header; none when the file is no BMP.
-std::optional<PictureSize> bmpSize(const std::string& path);
 // Writes a small valid 24-bit BMP of the given size.
 void writeBmp(const std::string& path, int width, int height);
 
