@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -26,14 +27,8 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
     std::mt19937 rng(seed);
     auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
     auto randomText = [&] {
-        static const std::string pieces[] = {"",
-                                             "1",
-                                             "Drill",
-                                             "hole.bmp",
-                                             "F",
-                                             "LOS",
-                                             std::string(300, 'x'),
-                                             std::string(70000, 'y')};
+        static const std::string x(300, 'x'), y(70000, 'y');
+        static const std::string pieces[] = {"", "1", "Drill", "hole.bmp", "F", "LOS", x, y};
         std::string t = pieces[pick(7) + (pick(50) == 0 ? 1 : 0)];
         return pick(2) == 0 ? t : t + std::to_string(pick(1000));
     };
@@ -184,20 +179,23 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
 }
 
 TEST(Text, NumbersConvertLikeTheRuntime) {
-    EXPECT_EQ(text::val("601abc"), 601.0);
-    EXPECT_EQ(text::val("  -12.5x"), -12.5);
-    EXPECT_EQ(text::val("abc"), 0.0);
-    EXPECT_EQ(text::val(""), 0.0);
-    EXPECT_EQ(text::toInt16(" 2 "), 2);
-    EXPECT_EQ(text::toInt16("2.5"), 2);  // half to even
-    EXPECT_EQ(text::toInt16("3.5"), 4);
-    EXPECT_EQ(text::toInt16("-32768"), -32768);
-    EXPECT_EQ(errorOf([] { text::toInt16("2x"); }), 13);
-    EXPECT_EQ(errorOf([] { text::toInt16("32768"); }), 6);
-    EXPECT_EQ(text::keyNumber("Child12", 'd'), 12);
-    EXPECT_EQ(text::keyNumber("Menu0", 'u'), 0);
-    EXPECT_EQ(errorOf([] { add16(32767, 1); }), 6);
-    EXPECT_EQ(add16(32766, 1), 32767);
+    // Each result, or "E" and the number of the error raised.
+    const auto show = [](const std::function<long()>& f) {
+        long v = 0;
+        const int e = errorOf([&] { v = f(); });
+        return e != 0 ? "E" + std::to_string(e) : std::to_string(v);
+    };
+    std::string s;
+    for (const char* in : {"601abc", "  -12.5x", "abc", ""}) {
+        s += std::to_string(text::val(in)) + " ";
+    }
+    for (const char* in : {" 2 ", "2.5", "3.5", "-32768", "2x", "32768"}) {  // half to even
+        s += show([&] { return text::toInt16(in); }) + " ";
+    }
+    s += show([] { return text::keyNumber("Child12", 'd'); }) + " " +
+         show([] { return text::keyNumber("Menu0", 'u'); }) + " " +
+         show([] { return add16(32767, 1); }) + " " + show([] { return add16(32766, 1); });
+    EXPECT_EQ(s, "601.000000 -12.500000 0.000000 0.000000 2 2 4 -32768 E13 E6 12 0 E6 32767");
 }
 
 TEST(Text, Windows1252RoundTripsThroughUtf8) {

@@ -111,15 +111,11 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
             return out;
         };
         auto randomKey = [&] {
-            switch (below(6)) {
-                case 0:
-                    return std::string();
-                case 1:
-                    return std::string("key") + static_cast<char>('a' + below(26));
-                default:
-                    return stems[below(4)] +
-                           std::to_string(below(3) == 0 ? below(100000) : below(60));
-            }
+            const int kind = below(6);
+            const int number = below(3) == 0 ? below(100000) : below(60);
+            return kind == 0   ? std::string()
+                   : kind == 1 ? std::string("key") + static_cast<char>('a' + below(26))
+                               : stems[below(4)] + std::to_string(number);
         };
         for (int step = 0; step < 400; ++step) {
             const std::vector<int> alive = live();
@@ -271,27 +267,29 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
             for (size_t i = 0; i < now.size(); ++i) {
                 const int n = now[i];
                 const NodeRef r = refs[n];
-                ASSERT_EQ(t.byIndex(static_cast<int>(i) + 1), r) << "step " << step;
-                ASSERT_EQ(t.index(r), static_cast<int>(i) + 1);
+                const int index = static_cast<int>(i) + 1;
+                const std::vector<int>& kids = m.nodes[n].kids;
+                const std::vector<int>& sibs = m.siblingsOf(n);
+                const long at = std::find(sibs.begin(), sibs.end(), n) - sibs.begin();
+                const auto ref = [&](const std::vector<int>& v, size_t k) {
+                    return k < v.size() && v[k] >= 0 ? refs[v[k]] : NodeRef{};
+                };
+                ASSERT_EQ((std::vector<NodeRef>{t.byIndex(index), t.parent(r), t.child(r),
+                                                t.next(r), t.firstSibling(r), t.lastSibling(r)}),
+                          (std::vector<NodeRef>{r, ref({m.nodes[n].parent}, 0), ref(kids, 0),
+                                                ref(sibs, at + 1), refs[sibs.front()],
+                                                refs[sibs.back()]}))
+                    << "step " << step;
+                ASSERT_EQ(
+                    (std::vector<long>{t.index(r), t.children(r), t.position(r), t.expanded(r)}),
+                    (std::vector<long>{index, static_cast<long>(kids.size()), at,
+                                       m.nodes[n].expanded}));
                 ASSERT_EQ(t.key(r), m.nodes[n].key);
                 if (!m.nodes[n].key.empty()) {
                     ASSERT_EQ(t.find(m.nodes[n].key), r) << m.nodes[n].key;
                 }
-                const int parent = m.nodes[n].parent;
-                ASSERT_EQ(t.parent(r), parent < 0 ? NodeRef{} : refs[parent]);
-                const std::vector<int>& kids = m.nodes[n].kids;
-                ASSERT_EQ(t.children(r), static_cast<int>(kids.size()));
-                ASSERT_EQ(t.child(r), kids.empty() ? NodeRef{} : refs[kids.front()]);
-                const std::vector<int>& sibs = m.siblingsOf(n);
-                const auto at = std::find(sibs.begin(), sibs.end(), n) - sibs.begin();
-                ASSERT_EQ(t.next(r),
-                          at + 1 < static_cast<long>(sibs.size()) ? refs[sibs[at + 1]] : NodeRef{});
-                ASSERT_EQ(t.position(r), at);
-                ASSERT_EQ(t.firstSibling(r), refs[sibs.front()]);
-                ASSERT_EQ(t.lastSibling(r), refs[sibs.back()]);
-                ASSERT_EQ(t.expanded(r), m.nodes[n].expanded) << "step " << step;
                 if (m.nodes[n].expanded && !kids.empty()) {
-                    expected.push_back(static_cast<int>(i) + 1);
+                    expected.push_back(index);
                 }
             }
             ASSERT_EQ(unfolded, expected) << "step " << step;

@@ -156,23 +156,17 @@ TEST(TableRowOps, AddEmptyLineAppendsAndAddsABlankNodeOnlyToATree) {
 TEST(TableRowOps, MarkToggleOnlyFromTheNumberColumn) {
     Lines w(3);
     w.form.defaultCellColor = 0x123456;
+    const auto image = [&] { return w.form.Treeview.image(w.form.Treeview.find(item(2))); };
     w.clickNumber(2);
-    for (int c = 0; c < Grid::kCols; ++c) {
-        EXPECT_EQ(w.form.Table.backColorAt(2, c), kMarkingColor);
-    }
-    EXPECT_EQ(w.form.Treeview.image(w.form.Treeview.find(item(2))), "arrow2");
+    EXPECT_EQ(w.colors(2) + image(), "MMMMMMMarrow2");
     w.form.Table.setCol(1);  // a click on the title leaves the mark
     w.form.tableClick();
-    EXPECT_EQ(w.form.Table.backColorAt(2, 1), kMarkingColor);
+    EXPECT_EQ(w.colors(2), "MMMMMMM");
     w.clickNumber(2);
-    EXPECT_EQ(w.form.Table.backColorAt(2, 0), kNormalColor);
-    for (int c = 1; c < Grid::kCols; ++c) {
-        EXPECT_EQ(w.form.Table.backColorAt(2, c), 0x123456u);
-    }
-    EXPECT_EQ(w.form.Treeview.image(w.form.Treeview.find(item(2))), "blank");
+    EXPECT_EQ(w.colors(2) + image(), "Nddddddblank");
     w.form.Treeview.remove(w.form.Treeview.find(item(3)));
     w.clickNumber(3);  // a line without a node is marked all the same
-    EXPECT_EQ(w.form.Table.backColorAt(3, 1), kMarkingColor);
+    EXPECT_EQ(w.colors(3), "MMMMMMM");
     w.form.toolbarClick("linedel");
     EXPECT_EQ(w.form.Table.rows(), 3);
 }
@@ -186,18 +180,12 @@ TEST(TableRowOps, RemovingTheLineOfTheOnlyRowEmptiesIt) {
 
 TEST(TableRowOps, ClearSelectionResetsTheFirstHighlightedRowOnly) {
     Lines w(4);
-    for (int r : {2, 4}) {
-        for (int c = 0; c < Grid::kCols; ++c) {
-            w.form.Table.setBackColorAt(r, c, kHighlightColor);
-        }
+    for (int c = 0; c < 2 * Grid::kCols; ++c) {
+        w.form.Table.setBackColorAt(2 + c / Grid::kCols * 2, c % Grid::kCols, kHighlightColor);
     }
     w.moveTo(3, 4);
     w.form.tableMouseDown(1);
-    EXPECT_EQ(w.form.Table.backColorAt(2, 0), kHighlightColor);
-    for (int c = 1; c < Grid::kCols; ++c) {
-        EXPECT_EQ(w.form.Table.backColorAt(2, c), w.form.defaultCellColor);
-        EXPECT_EQ(w.form.Table.backColorAt(4, c), kHighlightColor);
-    }
+    EXPECT_EQ(w.colors(2) + w.colors(4), "HddddddHHHHHHH");
     EXPECT_EQ(w.form.Table.row() * 10 + w.form.Table.col(), 34);
 }
 

@@ -230,33 +230,27 @@ TEST(TreeCommands, AddImageGrowsTheBitmapListToTheClickedFolder) {
     EXPECT_EQ(w.tree().image(w.node("Child1")), "image_here");
 }
 
-void expectLine(const Grid& g, int row, Color color) {
-    for (int c = 0; c < g.cols(); ++c) {
-        EXPECT_EQ(g.backColorAt(row, c), color) << "row " << row << " col " << c;
-    }
-}
-
 TEST(TreeEvents, ItemClickScrollsToTheLineAndMovesTheHighlight) {
     Keys outline(21, " line");
     outline[0] = "M";
     Window w(outline);
     Form1& f = w.form;
     f.treeviewNodeClick("Child11");
-    EXPECT_EQ(f.Table.topRow(), 6);
-    expectLine(f.Table, 11, f.highlightColor);
+    EXPECT_EQ(w.colors(11) + text::str(f.Table.topRow()), "HHHHHHH6");
     EXPECT_EQ(f.treeEvents.treeSelected, w.node("Child11"));
 
     f.treeviewNodeClick("Child10");
-    EXPECT_EQ(f.Table.topRow(), 1);
-    expectLine(f.Table, 11, kDefaultCell);
-    expectLine(f.Table, 10, f.highlightColor);
+    EXPECT_EQ(w.colors(11) + w.colors(10) + text::str(f.Table.topRow()),
+              "ddddddd"
+              "HHHHHHH1");
     EXPECT_EQ(f.treeEvents.selectedRow, 10);
 
     f.Table.setBackColorAt(15, 1, f.highlightColor);  // the last highlighted line counts
     f.treeviewNodeClick("Menu1");
     EXPECT_EQ(f.treeEvents.selectedRow, 15);
-    expectLine(f.Table, 15, kDefaultCell);
-    EXPECT_EQ(f.Table.backColorAt(10, 1), f.highlightColor);
+    EXPECT_EQ(w.colors(15) + w.colors(10),
+              "ddddddd"
+              "HHHHHHH");
     EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 1);
     EXPECT_TRUE(w.host.messages.empty());  // no bitmap entry: nothing shown
 }

@@ -148,6 +148,19 @@ Window::Window(const std::vector<std::string>& outline, const std::string& insta
     }
 }
 
+std::string Window::colors(int row) const {
+    std::string s;
+    for (int c = 0; c < form.Table.cols(); ++c) {
+        const Color k = form.Table.backColorAt(row, c);
+        s += k == form.markingColor       ? 'M'
+             : k == form.normalColor      ? 'N'
+             : k == form.highlightColor   ? 'H'
+             : k == form.defaultCellColor ? 'd'
+                                          : '?';
+    }
+    return s;
+}
+
 std::vector<std::string> items(int n) {
     std::vector<std::string> out;
     for (int r = 1; r <= n; ++r) {

@@ -63,6 +63,8 @@ struct Window {
     NodeRef node(const std::string& key) const { return form.Treeview.byKey(key); }
     std::string text(const std::string& key) const { return form.Treeview.text(node(key)); }
     std::string cell(int row, int col) const { return form.Table.textMatrix(row, col); }
+    // A line's cell colours, one letter each: Marking, Normal, Highlight, default cell, else '?'.
+    std::string colors(int row) const;
     void moveTo(int row, int col) {
         form.Table.setRow(row);
         form.Table.setCol(col);
