@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/Form1.h"
+#include "platform/NodeKeys.h"
 #include "platform/RuntimeError.h"
 #include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
@@ -14,9 +15,7 @@
 namespace vkl {
 namespace {
 
-std::string item(long r) {
-    return std::string("Child") + std::to_string(r);
-}
+using keys::item;
 
 // A window with `rows` lines titled T1.., each with its item node under the root.
 struct Lines : test::Window {
@@ -33,53 +32,27 @@ void rowByRowDelete(Grid& g, TreeNodes& t) {
         if (g.backColorAt(r, 1) != kMarkingColor) {
             continue;
         }
-        const NodeRef n = t.find(item(r));
+        if (const NodeRef n = t.find(item(r)); !n.isNull()) {
+            t.remove(n);
+        }
         if (g.rows() == 2) {  // the row the grid keeps
             for (int c = 1; c < Grid::kCols; ++c) {
                 g.setTextMatrix(r, c, "");
                 g.setBackColorAt(r, c, 0);
             }
             g.setBackColorAt(r, 0, kNormalColor);
-            if (!n.isNull()) {
-                t.remove(n);
-            }
             continue;
         }
         g.removeItem(r);
-        if (!n.isNull()) {
-            t.remove(n);
-        }
-        std::vector<std::pair<long, NodeRef>> later;
-        for (int i = 1; i <= t.count(); ++i) {
-            const NodeRef m = t.byIndex(i);
-            if (t.key(m).rfind("Child", 0) == 0 && std::stol(t.key(m).substr(5)) > r) {
-                later.emplace_back(std::stol(t.key(m).substr(5)), m);
+        for (long k = r + 1; k <= 20; ++k) {  // the later keys move up one by one
+            if (const NodeRef m = t.find(item(k)); !m.isNull()) {
+                t.setKey(m, item(k - 1));
             }
-        }
-        std::sort(later.begin(), later.end(), [](auto& a, auto& b) { return a.first < b.first; });
-        for (auto& [k, m] : later) {
-            t.setKey(m, item(k - 1));
         }
     }
     for (int r = 1; r < g.rows(); ++r) {
         g.setTextMatrix(r, 0, std::to_string(r));
     }
-}
-
-std::string dump(const Grid& g, const TreeNodes& t) {
-    std::string s = std::string("row ") + std::to_string(g.row()) + "\n";
-    for (int r = 0; r < g.rows(); ++r) {
-        for (int c = 0; c < Grid::kCols; ++c) {
-            s += g.textMatrix(r, c) + "/" + std::to_string(g.backColorAt(r, c)) + "|";
-        }
-        s += "\n";
-    }
-    for (int i = 1; i <= t.count(); ++i) {
-        const NodeRef n = t.byIndex(i);
-        const NodeRef p = t.parent(n);
-        s += t.key(n) + ":" + t.text(n) + "<" + (p.isNull() ? "" : t.key(p)) + "\n";
-    }
-    return s;
 }
 
 TEST(TableRowOps, LinearDeleteMatchesRowByRowOnRandomMenus) {
@@ -119,7 +92,7 @@ TEST(TableRowOps, LinearDeleteMatchesRowByRowOnRandomMenus) {
         TreeNodes refTree = t;
         rowByRowDelete(refGrid, refTree);
         table::deleteMarkedLines(g, t, kMarkingColor, 0, kNormalColor);
-        ASSERT_EQ(dump(g, t), dump(refGrid, refTree)) << "round " << round;
+        ASSERT_EQ(test::dump(g, t), test::dump(refGrid, refTree)) << "round " << round;
     }
 }
 

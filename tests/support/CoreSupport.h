@@ -109,6 +109,25 @@ inline std::string shape(const TreeNodes& nodes) {
     return out;
 }
 
+// Grid and tree as text: the current cell, every cell with its colour, then every node in index
+// order as "key:text<parent@position".
+inline std::string dump(const Grid& g, const TreeNodes& t) {
+    std::string s = std::to_string(g.row()) + "," + std::to_string(g.col()) + "\n";
+    for (int r = 0; r < g.rows(); ++r) {
+        for (int c = 0; c < g.cols(); ++c) {
+            s += g.textMatrix(r, c) + "/" + std::to_string(g.backColorAt(r, c)) + "|";
+        }
+        s += "\n";
+    }
+    for (int i = 1; i <= t.count(); ++i) {
+        const NodeRef n = t.byIndex(i);
+        const NodeRef p = t.parent(n);
+        s += t.key(n) + ":" + t.text(n) + "<" + (p.isNull() ? "" : t.key(p)) + "@" +
+             std::to_string(t.position(n)) + "\n";
+    }
+    return s;
+}
+
 // Everything a menu file is read into.
 struct Model {
     Grid grid;
