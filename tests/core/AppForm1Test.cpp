@@ -93,10 +93,10 @@ TEST(AppForm1Texts, RetitlesOnlyExactPlaceholdersOfTheOtherLanguage) {
     t.add("Menu0", TreeNodes::kChild, "Child2", "[new item]");
     t.add("Menu0", TreeNodes::kChild, "Child3", "[New Item] ");
     t.add("Menu0", TreeNodes::kChild, "Child4", "[Neue Zeile]");
-    auto texts = [&] {
+    auto texts = [&] {  // in the order added
         std::string s;
-        for (const char* key : {"Menu0", "Menu1", "Child1", "Child2", "Child3", "Child4"}) {
-            s += t.text(t.byKey(key)) + "|";
+        for (int i = 1; i <= t.count(); ++i) {
+            s += t.text(t.byIndex(i)) + "|";
         }
         return s;
     };

@@ -65,27 +65,17 @@ struct PlainTree {
         return n;
     }
     void remove(int n) {
-        if (!nodes[n].alive) {
-            return;
-        }
-        std::vector<int>& sibs = siblingsOf(n);
-        sibs.erase(std::find(sibs.begin(), sibs.end(), n));
-        std::vector<int> pending{n};
-        while (!pending.empty()) {
-            const int m = pending.back();
-            pending.pop_back();
-            nodes[m].alive = false;
-            pending.insert(pending.end(), nodes[m].kids.begin(), nodes[m].kids.end());
+        if (nodes[n].alive) {
+            detach(n);
+            kill(n);
         }
     }
-    bool below(int n, int ancestor) const {
-        for (; n >= 0; n = nodes[n].parent) {
-            if (n == ancestor) {
-                return true;
-            }
-        }
-        return false;
+    void kill(int n) {
+        nodes[n].alive = false;
+        std::for_each(nodes[n].kids.begin(), nodes[n].kids.end(), [&](int k) { kill(k); });
     }
+    void detach(int n) { std::erase(siblingsOf(n), n); }
+    bool below(int n, int top) const { return n >= 0 && (n == top || below(nodes[n].parent, top)); }
 };
 
 // Long random runs of adds by every relationship, with keys of the editor's stems, other keys
@@ -212,8 +202,7 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
                         EXPECT_EQ(errorOf([&] { t.setParent(refs[some], refs[other]); }), 35614);
                     } else {
                         t.setParent(refs[some], refs[other]);
-                        std::vector<int>& sibs = m.siblingsOf(some);
-                        sibs.erase(std::find(sibs.begin(), sibs.end(), some));
+                        m.detach(some);
                         m.nodes[some].parent = other;
                         m.nodes[other].kids.push_back(some);
                     }

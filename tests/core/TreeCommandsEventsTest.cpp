@@ -258,9 +258,8 @@ TEST(TreeEvents, DropMakesTheNodeUnderThePointerCurrent) {
 TEST(TreeEvents, DragOverScrollsInTheEdgeBandsOnly) {
     Window w({"a"});
     Form1& f = w.form;
-    for (double y : {0.0, 50.0, 150.0, 3850.0, 4000.0}) {
-        w.port.at[y] = "Child1";
-    }
+    w.port.at = {
+        {0, "Child1"}, {50, "Child1"}, {150, "Child1"}, {3850, "Child1"}, {4000, "Child1"}};
     EXPECT_EQ(f.treeviewDragOver(0, 50), 0);  // no drag from the tree
     f.treeviewStartDrag();
     EXPECT_EQ(f.treeviewDragOver(0, 50), 2);
