@@ -20,8 +20,10 @@ using test::errorOf;
 // Long random runs of every way rows are set up, cut, removed and reused, against a plain
 // table of strings. Reused rows must come back empty however their cells were stored before.
 TEST(Grid, RandomOperationsMatchAPlainTable) {
-    using Model = std::vector<std::array<std::string, Grid::kCols>>;
-    using Colors = std::vector<std::array<Color, Grid::kCols>>;
+    struct Row {
+        std::array<std::string, Grid::kCols> text;
+        std::array<Color, Grid::kCols> color{};
+    };
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 rng(seed);
@@ -34,8 +36,9 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
     };
     for (int run = 0; run < 40; ++run) {
         Grid g;
-        Model model(1);
-        Colors colors(1);
+        std::vector<Row> model(1);
+        const auto at = [&](int row) -> Row& { return model[static_cast<size_t>(row)]; };
+        const auto cell = [](int col) { return static_cast<size_t>(col); };
         int bulk = 0;
         for (int step = 0; step < 1500; ++step) {
             const int rows = static_cast<int>(model.size());
@@ -50,7 +53,6 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                     }
                     g.setRows(n);
                     model.resize(static_cast<size_t>(n));
-                    colors.resize(static_cast<size_t>(n));
                     break;
                 }
                 case 1:
@@ -58,7 +60,7 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                     if (r < rows) {
                         const std::string t = randomText();
                         g.setTextMatrix(r, c, t);
-                        model[static_cast<size_t>(r)][static_cast<size_t>(c)] = t;
+                        at(r).text[cell(c)] = t;
                     } else {
                         EXPECT_EQ(errorOf([&] { g.setTextMatrix(r, c, "x"); }), 381);
                     }
@@ -85,15 +87,14 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                             parts[k] =
                                 std::string_view(line).substr(from, static_cast<size_t>(pick(9)));
                         }
-                        model[static_cast<size_t>(r)][k] = std::string(parts[k]);
+                        at(r).text[k] = std::string(parts[k]);
                     }
                     g.setRowTexts(r, line, parts);
                     break;
                 }
                 case 4:
                     if (r < rows) {
-                        EXPECT_EQ(g.textMatrix(r, c),
-                                  model[static_cast<size_t>(r)][static_cast<size_t>(c)]);
+                        EXPECT_EQ(g.textMatrix(r, c), at(r).text[cell(c)]);
                     } else {
                         EXPECT_EQ(errorOf([&] { (void)g.textMatrix(r, c); }), 381);
                     }
@@ -104,7 +105,6 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                     } else {
                         g.removeItem(r);
                         model.erase(model.begin() + r);
-                        colors.erase(colors.begin() + r);
                     }
                     break;
                 case 6: {
@@ -112,27 +112,23 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                     for (size_t k = 0; k < remove.size(); ++k) {
                         remove[k] = pick(3) == 0;
                     }
-                    Model keptRows{model[0]};
-                    Colors keptColors{colors[0]};
+                    std::vector<Row> kept{model[0]};
                     for (size_t k = 1; k < model.size(); ++k) {
                         if (k >= remove.size() || !remove[k]) {
-                            keptRows.push_back(model[k]);
-                            keptColors.push_back(colors[k]);
+                            kept.push_back(model[k]);
                         }
                     }
-                    if (keptRows.size() < 2 && keptRows.size() < model.size()) {
+                    if (kept.size() < 2 && kept.size() < model.size()) {
                         EXPECT_EQ(errorOf([&] { g.removeRows(remove); }), 30015);
                     } else {
                         g.removeRows(remove);
-                        model = keptRows;
-                        colors = keptColors;
+                        model = kept;
                     }
                     break;
                 }
                 case 7:
                     EXPECT_EQ(g.appendRow(), rows);
                     model.emplace_back();
-                    colors.emplace_back();
                     break;
                 case 8:
                     if (r < rows) {
@@ -140,7 +136,7 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                                                 ? kMarkingColor
                                                 : rgb(1, 2, static_cast<unsigned>(pick(9)));
                         g.setBackColorAt(r, c, color);
-                        colors[static_cast<size_t>(r)][static_cast<size_t>(c)] = color;
+                        at(r).color[cell(c)] = color;
                     }
                     break;
                 case 9:
@@ -161,18 +157,16 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
             ASSERT_EQ(g.rows(), static_cast<int>(model.size())) << "step " << step;
             const int checked = pick(static_cast<int>(model.size()));
             for (int k = 0; k < Grid::kCols; ++k) {
-                const auto at = static_cast<size_t>(checked);
-                ASSERT_EQ(g.textView(checked, k), model[at][static_cast<size_t>(k)])
-                    << "step " << step;
-                ASSERT_EQ(g.backColorAt(checked, k), colors[at][static_cast<size_t>(k)]);
+                ASSERT_EQ(g.textView(checked, k), at(checked).text[cell(k)]) << "step " << step;
+                ASSERT_EQ(g.backColorAt(checked, k), at(checked).color[cell(k)]);
             }
         }
         while (bulk-- > 0) {
             g.endBulk();
         }
-        for (size_t at = 0; at < model.size(); ++at) {
+        for (int r = 0; r < g.rows(); ++r) {
             for (int k = 0; k < Grid::kCols; ++k) {
-                ASSERT_EQ(g.textMatrix(static_cast<int>(at), k), model[at][static_cast<size_t>(k)]);
+                ASSERT_EQ(g.textMatrix(r, k), at(r).text[cell(k)]);
             }
         }
     }

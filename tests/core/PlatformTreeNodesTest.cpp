@@ -143,51 +143,42 @@ TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
                     break;
                 case 4: {
                     std::vector<NodeRef> many;
-                    std::vector<int> chosen;
                     for (int n : alive) {
                         if (below(4) == 0) {
                             many.push_back(refs[n]);
-                            chosen.push_back(n);
+                            m.remove(n);
                         }
                     }
                     t.removeMany(many);
-                    for (int n : chosen) {
-                        m.remove(n);
-                    }
                     break;
                 }
                 case 5: {
                     // Renumbering: a chain of nodes takes keys some of them held before.
                     std::vector<std::pair<NodeRef, long>> changes;
-                    std::vector<std::pair<int, std::string>> plain;
+                    std::vector<std::pair<NodeRef, std::string>> keyed;
+                    std::vector<int> chosen;
                     const std::string stem = stems[below(4)];
                     for (int n : alive) {
                         if (below(3) == 0) {
                             const long number = below(60) + (below(5) == 0 ? 70000 : 0);
                             changes.emplace_back(refs[n], number);
-                            plain.emplace_back(n, stem + std::to_string(number));
+                            keyed.emplace_back(refs[n], stem + std::to_string(number));
+                            chosen.push_back(n);
                         }
                     }
                     PlainTree after = m;
-                    for (auto& [n, key] : plain) {
+                    for (int n : chosen) {
                         after.nodes[n].key.clear();
                     }
                     bool clash = false;
-                    for (auto& [n, key] : plain) {
-                        clash = clash || after.keyTaken(key);
-                        after.nodes[n].key = key;
+                    for (size_t k = 0; k < chosen.size(); ++k) {
+                        clash = clash || after.keyTaken(keyed[k].second);
+                        after.nodes[chosen[k]].key = keyed[k].second;
                     }
                     if (clash) {
                         EXPECT_EQ(errorOf([&] { t.rekeyNumbered(stem, changes); }), 35602);
-                    } else if (below(2) == 0) {
-                        t.rekeyNumbered(stem, changes);
-                        m = after;
                     } else {
-                        std::vector<std::pair<NodeRef, std::string>> keyed;
-                        for (size_t k = 0; k < changes.size(); ++k) {
-                            keyed.emplace_back(changes[k].first, plain[k].second);
-                        }
-                        t.rekey(keyed);
+                        below(2) == 0 ? t.rekeyNumbered(stem, changes) : t.rekey(keyed);
                         m = after;
                     }
                     break;
