@@ -11,9 +11,6 @@
 #include "gui/Views.h"
 #include "support/WindowFixture.h"
 
-using vkl::test::ScriptedHost;
-using window_test::pictureOf;
-using window_test::treeLines;
 using window_test::Window;
 
 namespace {

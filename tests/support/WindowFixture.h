@@ -23,6 +23,7 @@
 #include "gui/Icons.h"
 #include "gui/MainWindow.h"
 #include "gui/TreeModel.h"
+#include "platform/Text.h"
 #include "support/ScriptedHost.h"
 
 namespace window_test {
@@ -126,6 +127,28 @@ struct WindowCase {
     }
 };
 
+// The keys of the eight pictures a node of the tree can show.
+inline const char* const kNodePictures[] = {"root", "arrow2",       "arrow1",     "folderclosed2",
+                                            "item", "folderclosed", "image_here", "blank"};
+
+// Text the form holds in Windows-1252, as the window shows it.
+inline QString utf8(const std::string& cp1252) {
+    return QString::fromStdString(vkl::text::cp1252ToUtf8(cp1252));
+}
+
+// Every row of a grid model, its cells joined by "|".
+inline QStringList gridRows(const QAbstractItemModel& grid) {
+    QStringList rows;
+    for (int r = 0; r < grid.rowCount(); ++r) {
+        QStringList cells;
+        for (int c = 0; c < grid.columnCount(); ++c) {
+            cells << grid.index(r, c).data().toString();
+        }
+        rows << cells.join(QLatin1Char('|'));
+    }
+    return rows;
+}
+
 // The name of the node picture an index shows, "-" for none, "?" for one that is none of them.
 inline QString pictureOf(const QModelIndex& index) {
     const QVariant decoration = index.data(Qt::DecorationRole);
@@ -133,8 +156,7 @@ inline QString pictureOf(const QModelIndex& index) {
         return QStringLiteral("-");
     }
     const QImage shown = decoration.value<QIcon>().pixmap(16, 16).toImage();
-    for (const char* key : {"root", "arrow2", "arrow1", "folderclosed2", "item", "folderclosed",
-                            "image_here", "blank"}) {
+    for (const char* key : kNodePictures) {
         if (vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage() == shown) {
             return QLatin1String(key);
         }
