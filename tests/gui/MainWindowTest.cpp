@@ -5,13 +5,13 @@
 
 #include "gui/GridModel.h"
 #include "platform/RuntimeError.h"
-#include "platform/Text.h"
 #include "support/WindowFixture.h"
 
 using vkl::Answer;
 using vkl::ToolbarButton;
 using vkl::test::ScriptedHost;
 using window_test::shownText;
+using window_test::utf8;
 using window_test::Window;
 
 namespace {
@@ -24,40 +24,29 @@ class FailingBrowserHost : public ScriptedHost {
     }
 };
 
-QString shown(const std::string& cp1252) {
-    return QString::fromStdString(vkl::text::cp1252ToUtf8(cp1252));
-}
-
 // Every caption, pop-up entry and column heading shows what the form holds for it.
 void expectCaptionsOfTheForm(Window& e) {
     const vkl::Captions& c = e.form.captions;
-    const std::pair<const char*, const std::string*> controls[] = {
-        {"Label1", &c.label1},
-        {"Label2", &c.label2},
-        {"Label3", &c.label3},
-        {"Label4", &c.label4},
-        {"ask_datadir", &c.askDatadir},
-        {"ask_imagedir", &c.askImagedir},
-        {"Expand", &c.expand},
-        {"Colapse", &c.colapse},
-        {"onlymenus", &c.onlymenus},
-        {"Quit", &c.quit},
-        {"addsub", &c.addsub},
-        {"addabove1", &c.addabove1},
-        {"remove1", &c.remove1},
-        {"addabove2", &c.addabove2},
-        {"addbelow2", &c.addbelow2},
-        {"remove2", &c.remove2},
-        {"removechilden", &c.removechilden},
-        {"addimage", &c.addimage},
-    };
-    for (const auto& [name, text] : controls) {
-        QCOMPARE(shownText(e.window, name), shown(*text));
+    const std::string* const texts[] = {
+        &c.label1,  &c.label2,    &c.label3,    &c.label4,  &c.askDatadir,    &c.askImagedir,
+        &c.expand,  &c.colapse,   &c.onlymenus, &c.quit,    &c.addsub,        &c.addabove1,
+        &c.remove1, &c.addabove2, &c.addbelow2, &c.remove2, &c.removechilden, &c.addimage};
+    const char* const names[] = {
+        "Label1",  "Label2",    "Label3",    "Label4",  "ask_datadir",   "ask_imagedir",
+        "Expand",  "Colapse",   "onlymenus", "Quit",    "addsub",        "addabove1",
+        "remove1", "addabove2", "addbelow2", "remove2", "removechilden", "addimage"};
+    static_assert(std::size(texts) == std::size(names));
+    QStringList held;
+    QStringList seen;
+    for (size_t i = 0; i < std::size(names); ++i) {
+        held << utf8(*texts[i]);
+        seen << shownText(e.window, names[i]);
     }
     for (int col = 0; col < 5; ++col) {
-        QCOMPARE(e.table()->model()->headerData(col, Qt::Horizontal).toString(),
-                 shown(e.form.Table.textMatrix(0, col)));
+        held << utf8(e.form.Table.textMatrix(0, col));
+        seen << e.table()->model()->headerData(col, Qt::Horizontal).toString();
     }
+    QCOMPARE(seen, held);
 }
 
 }  // namespace
@@ -77,8 +66,8 @@ class MainWindowTest : public QObject, window_test::WindowCase {
             const ToolbarButton& b = e.form.toolbar[static_cast<size_t>(i)];
             QAction* a = actions.at(i);
             QCOMPARE(a->isSeparator(), b.style == ToolbarButton::Style::Separator);
-            QCOMPARE(a->toolTip(), shown(b.tooltip));
-            QCOMPARE(a->statusTip(), shown(b.description));
+            QCOMPARE(a->toolTip(), utf8(b.tooltip));
+            QCOMPARE(a->statusTip(), utf8(b.description));
             if (b.style == ToolbarButton::Style::Normal) {
                 // Each button has a picture of its own.
                 const QImage picture = a->icon().pixmap(16, 16).toImage();
