@@ -118,12 +118,11 @@ using Window = BasicWindow<>;
 // The common start of a window test case, for its init(): a window shown, with the tools menu
 // open unless the case wants it empty. The window of one case lives until the next case starts.
 struct WindowCase {
-    std::unique_ptr<Window> window_;
+    std::unique_ptr<Window> w;
     bool start(bool withTools = true) {
-        window_.reset();
-        window_ = std::make_unique<Window>();
-        return QTest::qWaitForWindowExposed(&window_->window) &&
-               (!withTools || window_->open(toolsMenu()));
+        w.reset();
+        w = std::make_unique<Window>();
+        return QTest::qWaitForWindowExposed(&w->window) && (!withTools || w->open(toolsMenu()));
     }
 };
 
