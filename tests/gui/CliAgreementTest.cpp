@@ -1,19 +1,14 @@
 // vklcheck against the window: for the menu files of the tests and for random menus, what the
 // tool prints as JSON is what the window shows after opening the same file.
-#include <QComboBox>
 #include <QDirIterator>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLineEdit>
 #include <QProcess>
 
 #include <random>
-#include <string>
 #include <vector>
 
-#include "gui/Icons.h"
-#include "platform/Text.h"
 #include "support/WindowFixture.h"
 
 using window_test::utf8;

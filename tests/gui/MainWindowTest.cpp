@@ -1,9 +1,5 @@
 // The real main window, offscreen, over a form whose dialogs are answered by a script: what it
 // shows of the form, and how its controls reach the form's handlers.
-#include <QMimeData>
-#include <QTimer>
-
-#include "gui/GridModel.h"
 #include "platform/RuntimeError.h"
 #include "support/WindowFixture.h"
 

@@ -1,18 +1,10 @@
 // The item models over the grid and the tree, checked against Qt's own model rules while the
 // plain models change underneath them.
 #include <QAbstractItemModelTester>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include <random>
 
-#include "app/Form1.h"
-#include "gui/GridModel.h"
-#include "gui/Icons.h"
-#include "gui/TreeModel.h"
 #include "platform/Colors.h"
-#include "support/ScriptedHost.h"
 #include "support/WindowFixture.h"
 
 using vkl::Grid;

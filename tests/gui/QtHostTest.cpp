@@ -1,21 +1,7 @@
 // The real host services: message boxes, file filters, environment, pictures, pop-up menus,
-// ending the program, and the lock that keeps a second copy from running.
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDir>
-#include <QMenu>
-#include <QMessageBox>
-#include <QProcessEnvironment>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
+// and ending the program.
 #include <QtTest>
-
-#include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <functional>
-#include <thread>
+#include <QtWidgets>
 
 #include "gui/QtHost.h"
 #include "platform/Files.h"

@@ -1,7 +1,5 @@
 // Opening and saving menu files through the real window's toolbar: what the grid and the tree
 // show afterwards, and cancelled or refused commands.
-#include <QLineEdit>
-
 #include "support/WindowFixture.h"
 
 using vkl::test::ScriptedHost;

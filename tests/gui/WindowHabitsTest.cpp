@@ -1,11 +1,5 @@
 // The window as a desktop user meets it: the editors' drop-downs and keys, the pop-up menus over
 // the pressed node, and a window small enough for every screen.
-#include <QAbstractItemView>
-#include <QComboBox>
-#include <QHeaderView>
-#include <QLineEdit>
-#include <QScrollBar>
-
 #include "support/WindowFixture.h"
 
 using window_test::Window;

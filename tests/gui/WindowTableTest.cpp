@@ -1,11 +1,6 @@
 // Editing the menu table in the real window: keys typed on the grid and into the editor over
 // the cell, the pickers behind a double click, action codes, marking and deleting lines, and a
 // menu made from nothing and saved.
-#include <QComboBox>
-#include <QLineEdit>
-#include <QScrollBar>
-
-#include "gui/GridModel.h"
 #include "support/WindowFixture.h"
 
 using vkl::test::ScriptedHost;

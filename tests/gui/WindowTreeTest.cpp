@@ -1,14 +1,5 @@
 // The menu tree in the real window: dragging nodes onto folders, the scroll timer near the
 // edges, label edits, pop-up commands and views, and the preview of a folder's bitmap.
-#include <QDrag>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QScreen>
-#include <QScrollBar>
-#include <QTimer>
-
-#include "gui/Views.h"
 #include "support/WindowFixture.h"
 
 using window_test::Window;

@@ -3,23 +3,14 @@
 // place for saved menus and bitmaps.
 #pragma once
 
-#include <QAbstractButton>
-#include <QAbstractItemModel>
-#include <QApplication>
-#include <QComboBox>
-#include <QFile>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTemporaryDir>
-#include <QToolBar>
-#include <QTreeView>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <memory>
 #include <string>
 
 #include "app/Form1.h"
+#include "gui/GridModel.h"
 #include "gui/Icons.h"
 #include "gui/MainWindow.h"
 #include "gui/TreeModel.h"
