@@ -127,27 +127,11 @@ class RandomMenu {
 
 // ---- Running the tool ----------------------------------------------------------------------
 
-struct CliRun {
-    bool finished = false;
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
-CliRun runCheck(const QStringList& arguments) {
-    CliRun run;
 #ifdef VKL_VKLCHECK
-    QProcess process;
-    process.start(QStringLiteral(VKL_VKLCHECK), arguments);
-    run.finished = process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit;
-    run.exitCode = process.exitCode();
-    run.out = process.readAllStandardOutput();
-    run.err = process.readAllStandardError();
+const char* const kVklcheck = VKL_VKLCHECK;
 #else
-    Q_UNUSED(arguments);
+const char* const kVklcheck = nullptr;
 #endif
-    return run;
-}
 
 // ---- What the window shows ---------------------------------------------------------------
 
@@ -185,9 +169,9 @@ class CliAgreementTest : public QObject {
 
   private slots:
     void initTestCase() {
-#ifndef VKL_VKLCHECK
-        QSKIP("vklcheck is not part of this build");
-#endif
+        if (!kVklcheck) {
+            QSKIP("vklcheck is not part of this build");
+        }
         QVERIFY(randomMenus_.isValid());
         for (unsigned i = 0; i < 36; ++i) {
             const QString name = randomMenus_.filePath(
@@ -221,13 +205,17 @@ class CliAgreementTest : public QObject {
 
     void jsonAgreesWithTheWindow() {
         QFETCH(QString, file);
-        const CliRun cli = runCheck({QStringLiteral("--json"), file});
-        QVERIFY2(cli.finished, cli.err.constData());
+        QProcess cli;
+        cli.start(QLatin1String(kVklcheck), {QStringLiteral("--json"), file});
+        const bool finished =
+            cli.waitForFinished(120000) && cli.exitStatus() == QProcess::NormalExit;
+        const QByteArray err = cli.readAllStandardError();
+        QVERIFY2(finished, err.constData());
         QJsonParseError parseError;
-        const QJsonObject json = QJsonDocument::fromJson(cli.out, &parseError).object();
-        QVERIFY2(
-            parseError.error == QJsonParseError::NoError,
-            qPrintable(parseError.errorString() + QLatin1Char('\n') + QString::fromUtf8(cli.err)));
+        const QJsonObject json =
+            QJsonDocument::fromJson(cli.readAllStandardOutput(), &parseError).object();
+        QVERIFY2(parseError.error == QJsonParseError::NoError,
+                 qPrintable(parseError.errorString() + QLatin1Char('\n') + QString::fromUtf8(err)));
 
         Window w;
         QVERIFY(w.open(file.toStdString()));
@@ -235,7 +223,7 @@ class CliAgreementTest : public QObject {
         // A run-time error while reading: the window shows it and the program ends.
         const QJsonValue fatal = json[QLatin1String("fatal")];
         if (!fatal.isNull()) {
-            QCOMPARE(cli.exitCode, 2);
+            QCOMPARE(cli.exitCode(), 2);
             QVERIFY2(w.window.ended() && w.host.endCount == 1,
                      "the CLI reports a run-time error, the window goes on");
             QCOMPARE(QString::fromStdString(w.host.lastPrompt()),

@@ -15,6 +15,8 @@ using vkl::gui::TreeModel;
 
 namespace {
 
+constexpr auto kQtTest = QAbstractItemModelTester::FailureReportingMode::QtTest;
+
 // The texts of the children of parent in order, each followed by its own children in brackets.
 QString shape(const QAbstractItemModel& model, const QModelIndex& parent = {}) {
     QStringList parts;
@@ -52,8 +54,7 @@ class ModelsTest : public QObject {
         // Removing rows in too many runs at once is one reset.
         Grid grid;
         GridModel model(grid);
-        QAbstractItemModelTester tester(&model,
-                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester tester(&model, kQtTest);
         grid.setRows(2 * Grid::kMaxRemovalRuns + 4);
         grid.setTextMatrix(1, 1, "line 1");
         QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
@@ -73,8 +74,7 @@ class ModelsTest : public QObject {
         Grid grid;
         grid.setRows(3);
         GridModel model(grid);
-        QAbstractItemModelTester tester(&model,
-                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester tester(&model, kQtTest);
 
         // Row 0 is the header, not a data row.
         QSignalSpy header(&model, &QAbstractItemModel::headerDataChanged);
@@ -106,8 +106,7 @@ class ModelsTest : public QObject {
     void treeFollowsAddsMovesAndRemoves() {
         TreeNodes nodes;
         TreeModel model(nodes);
-        QAbstractItemModelTester tester(&model,
-                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester tester(&model, kQtTest);
 
         const NodeRef root = nodes.add(NodeRef{}, 0, "Menu0", "Top Menu", "root");
         const NodeRef a = nodes.add(root, TreeNodes::kChild, "Menu1", "A", "folderclosed");
@@ -212,10 +211,8 @@ class ModelsTest : public QObject {
         form.load();
         GridModel grid(form.Table);
         TreeModel tree(form.Treeview);
-        QAbstractItemModelTester gridTester(&grid,
-                                            QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QAbstractItemModelTester treeTester(&tree,
-                                            QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester gridTester(&grid, kQtTest);
+        QAbstractItemModelTester treeTester(&tree, kQtTest);
         form.readMenuFile(path);
         QSignalSpy gridResets(&grid, &QAbstractItemModel::modelReset);
         QSignalSpy treeResets(&tree, &QAbstractItemModel::modelReset);

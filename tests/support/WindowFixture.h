@@ -175,20 +175,14 @@ inline QStringList treeLines(QTreeView* view, bool looks = true, const QModelInd
 // Whatever a named control shows: a caption, a label, a field's text or a menu entry.
 inline QString shownText(QWidget& window, const char* name) {
     const QString n = QString::fromLatin1(name);
-    if (auto* a = window.findChild<QAction*>(n)) {
-        return a->text();
-    }
-    if (auto* b = window.findChild<QAbstractButton*>(n)) {
-        return b->text();
-    }
-    if (auto* l = window.findChild<QLabel*>(n)) {
-        return l->text();
-    }
-    if (auto* e = window.findChild<QLineEdit*>(n)) {
-        return e->text();
-    }
     if (auto* c = window.findChild<QComboBox*>(n)) {
         return c->currentText();
+    }
+    // Actions, buttons, labels and fields all hold it as their text.
+    for (QObject* control : window.findChildren<QObject*>(n)) {
+        if (const QVariant text = control->property("text"); text.isValid()) {
+            return text.toString();
+        }
     }
     return QStringLiteral("<no control %1>").arg(n);
 }
