@@ -11,8 +11,7 @@
 
 #include "support/WindowFixture.h"
 
-using window_test::utf8;
-using window_test::Window;
+using namespace window_test;
 
 namespace {
 

@@ -5,15 +5,12 @@
 
 using vkl::Answer;
 using vkl::ToolbarButton;
-using vkl::test::ScriptedHost;
-using window_test::shownText;
-using window_test::utf8;
-using window_test::Window;
+using namespace window_test;
 
 namespace {
 
 // A host whose folder browser fails the way the operating system can.
-class FailingBrowserHost : public ScriptedHost {
+class FailingBrowserHost : public vkl::test::ScriptedHost {
   public:
     std::string browseForFolder(const std::string&) override {
         throw vkl::RuntimeError::pathNotFound();

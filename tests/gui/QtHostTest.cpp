@@ -9,7 +9,6 @@
 #include "support/ScriptedHost.h"
 
 using vkl::Answer;
-using vkl::Buttons;
 using vkl::gui::QtHost;
 
 namespace {
@@ -51,7 +50,7 @@ class QtHostTest : public QObject {
         vkl::MessageBox quit;
         quit.prompt = "Changes not saved! Do you really want to quit !";
         quit.title = "Confirm Quit";
-        quit.buttons = Buttons::YesNo;
+        quit.buttons = vkl::Buttons::YesNo;
         quit.questionIcon = true;
         quit.defaultNo = true;
         QCOMPARE(answerBox(host, quit, QMessageBox::Yes, seen), Answer::Yes);

@@ -2,10 +2,7 @@
 // show afterwards, and cancelled or refused commands.
 #include "support/WindowFixture.h"
 
-using vkl::test::ScriptedHost;
-using window_test::shownText;
-using window_test::treeLines;
-using window_test::Window;
+using namespace window_test;
 
 namespace {
 
@@ -52,7 +49,7 @@ class WindowFilesTest : public QObject, window_test::WindowCase {
 
     void saveShowsTheNameAndItReadsBack() {
         const std::string out = w->path("saved.vkl");
-        w->host.saveAnswers.push_back(ScriptedHost::pick(out));
+        w->host.saveAnswers.push_back(vkl::test::ScriptedHost::pick(out));
         QVERIFY(w->clickTool("save"));
         QCOMPARE(w->host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
         QCOMPARE(shownText(w->window, "decfilename"), QString::fromStdString(out));

@@ -18,14 +18,14 @@ struct TreeDrag {
         QTest::mousePress(viewport, Qt::LeftButton, {}, from);
         // The drag starts once the pointer has moved far enough with the button down.
         QTest::mouseMove(viewport, from + QPoint(2, 0));
-        QTest::mouseMove(viewport, from + QPoint(QApplication::startDragDistance() + 4, 0));
+        const QPoint far = from + QPoint(QApplication::startDragDistance() + 4, 0);
+        QTest::mouseMove(viewport, far);
         // The view keeps the drag until the event loop runs again; the newest one is this.
         const QList<QDrag*> drags = w.tree()->findChildren<QDrag*>();
         if (!drags.isEmpty()) {
             data.setText(drags.last()->mimeData()->text());
         }
-        QTest::mouseRelease(viewport, Qt::LeftButton, {},
-                            from + QPoint(QApplication::startDragDistance() + 4, 0));
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, far);
     }
 
     // Passes over a point of the tree's viewport; true when the view would take a drop there.
@@ -43,8 +43,6 @@ struct TreeDrag {
         QDropEvent drop(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(w.tree()->viewport(), &drop);
     }
-
-    void dropOn(const std::string& key) { dropOn(w.nodeCentre(key)); }
 };
 
 }  // namespace
@@ -60,7 +58,7 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         QCOMPARE(about.data.text(), QStringLiteral("Child7"));
         QVERIFY(w->form.treeEvents.dragging);
         QVERIFY(about.over(w->nodeCentre("Menu3")));
-        about.dropOn("Menu3");
+        about.dropOn(w->nodeCentre("Menu3"));
         QVERIFY(!w->form.treeEvents.dragging);
         QCOMPARE(model->rowCount(w->node("Menu3")), 3);
         QCOMPARE(model->index(2, 0, w->node("Menu3")), w->node("Child7"));
@@ -71,8 +69,6 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         TreeDrag nowhere(*w, "Child1");
         const QRect last = w->tree()->visualRect(w->node("Menu4"));
         QVERIFY(!nowhere.over(QPoint(last.center().x(), last.bottom() + 40)));
-
-        QCOMPARE(w->host.endCount, 0);
     }
 
     void draggingNearTheEdgesScrollsByTheTimer() {
@@ -111,7 +107,6 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         QVERIFY(!timer->isActive());
         drag.dropOn(centre);
         QVERIFY(!w->form.treeEvents.dragging);
-        QCOMPARE(w->host.endCount, 0);
     }
 
     void labelEditsReachTheTitleCell() {
@@ -156,7 +151,6 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
             return;
         }
         QCOMPARE(w->node("Menu3").data().toString(), QStringLiteral("Grooves"));
-        QCOMPARE(w->host.endCount, 0);
 
         // The window goes while an editor is still open: the editor commits as it closes, and the
         // window, half gone, must not take that for an edit.
@@ -196,7 +190,6 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         QVERIFY(tree->viewport()->rect().intersects(tree->visualRect(w->node("Menu6"))));
         QTest::mouseClick(w->child<QWidget>("onlymenus"), Qt::LeftButton);
         QCOMPARE(expandedFolders(), (QStringList{"Menu0", "Menu1", "Menu2"}));
-        QCOMPARE(w->host.endCount, 0);
     }
 
     void folderClickShowsItsBitmapInThePreview() {
@@ -244,6 +237,9 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         QCOMPARE(box->pixmap().size(), QSize(64, 40));
         QVERIFY(preview->isVisible());
     }
+
+    // No test ends the program.
+    void cleanup() { QCOMPARE(w->host.endCount, 0); }
 
     // Every test starts in a new window showing the tools menu.
     void init() { QVERIFY(start()); }

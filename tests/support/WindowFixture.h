@@ -107,13 +107,13 @@ struct BasicWindow {
 using Window = BasicWindow<>;
 
 // The common start of a window test case, for its init(): a window shown, with the tools menu
-// open unless the case wants it empty. The window of one case lives until the next case starts.
+// open. The window of one case lives until the next case starts.
 struct WindowCase {
     std::unique_ptr<Window> w;
-    bool start(bool withTools = true) {
+    bool start() {
         w.reset();
         w = std::make_unique<Window>();
-        return QTest::qWaitForWindowExposed(&w->window) && (!withTools || w->open(toolsMenu()));
+        return QTest::qWaitForWindowExposed(&w->window) && w->open(toolsMenu());
     }
 };
 
@@ -154,20 +154,16 @@ inline QString pictureOf(const QModelIndex& index) {
     return QStringLiteral("?");
 }
 
-// The tree as its view shows it: one line per node, two blanks per level and the text; with
-// looks, also the picture and a "+" for a node the view shows expanded.
-inline QStringList treeLines(QTreeView* view, bool looks = true, const QModelIndex& parent = {},
-                             int depth = 0) {
+// The tree as its view shows it: one line per node, two blanks per level, the text, the picture
+// and a "+" for a node the view shows expanded.
+inline QStringList treeLines(QTreeView* view, const QModelIndex& parent = {}, int depth = 0) {
     QStringList lines;
     QAbstractItemModel* model = view->model();
     for (int r = 0; r < model->rowCount(parent); ++r) {
         const QModelIndex at = model->index(r, 0, parent);
-        QString line = QString(depth * 2, QLatin1Char(' ')) + at.data().toString();
-        if (looks) {
-            line += QLatin1Char(' ') + pictureOf(at) +
-                    (view->isExpanded(at) ? QStringLiteral(" +") : QString());
-        }
-        lines << line << treeLines(view, looks, at, depth + 1);
+        lines << QString(depth * 2, QLatin1Char(' ')) + at.data().toString() + QLatin1Char(' ') +
+                     pictureOf(at) + (view->isExpanded(at) ? QStringLiteral(" +") : QString())
+              << treeLines(view, at, depth + 1);
     }
     return lines;
 }
