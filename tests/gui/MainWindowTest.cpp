@@ -3,7 +3,6 @@
 #include "platform/RuntimeError.h"
 #include "support/WindowFixture.h"
 
-using vkl::Answer;
 using vkl::ToolbarButton;
 using namespace window_test;
 
@@ -88,13 +87,13 @@ class MainWindowTest : public QObject, window_test::WindowCase {
     }
 
     void quitAsksFirstAndTheFrameDoesNot() {
-        w->host.answers = {Answer::No};
+        w->host.answers = {vkl::Answer::No};
         QTest::mouseClick(w->child<QAbstractButton>("Quit"), Qt::LeftButton);
         QCOMPARE(w->host.messages.size(), size_t{1});  // the question itself
         QCOMPARE(w->host.endCount, 0);
         QVERIFY(w->window.isVisible());
 
-        w->host.answers = {Answer::Yes};
+        w->host.answers = {vkl::Answer::Yes};
         QTest::mouseClick(w->child<QAbstractButton>("Quit"), Qt::LeftButton);
         QCOMPARE(w->host.messages.size(), size_t{2});
         QCOMPARE(w->host.endCount, 1);

@@ -7,7 +7,6 @@
 #include "platform/Colors.h"
 #include "support/WindowFixture.h"
 
-using vkl::Grid;
 using vkl::NodeRef;
 using vkl::TreeNodes;
 using vkl::gui::GridModel;
@@ -52,10 +51,10 @@ class ModelsTest : public QObject {
   private slots:
     void gridRowsFollowTheGrid() {
         // Removing rows in too many runs at once is one reset.
-        Grid grid;
+        vkl::Grid grid;
         GridModel model(grid);
         QAbstractItemModelTester tester(&model, kQtTest);
-        grid.setRows(2 * Grid::kMaxRemovalRuns + 4);
+        grid.setRows(2 * vkl::Grid::kMaxRemovalRuns + 4);
         grid.setTextMatrix(1, 1, "line 1");
         QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
         QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
@@ -71,7 +70,7 @@ class ModelsTest : public QObject {
     }
 
     void gridCellsHeaderAndColours() {
-        Grid grid;
+        vkl::Grid grid;
         grid.setRows(3);
         GridModel model(grid);
         QAbstractItemModelTester tester(&model, kQtTest);
@@ -219,6 +218,7 @@ class ModelsTest : public QObject {
         QSignalSpy gridChanges(&grid, &QAbstractItemModel::dataChanged);
 
         std::mt19937 random(11);
+        const char* const kEntries[] = {"remove1", "remove2", "removechilden"};
         const auto pick = [&](const std::string& stem) {
             std::vector<std::string> keys;
             for (int i = 1; i <= form.Treeview.count(); ++i) {
@@ -251,14 +251,11 @@ class ModelsTest : public QObject {
                 gridChanges.clear();
                 form.deleteMarkedLines();
             } else {
-                const char* entry = command == 0   ? "remove1"
-                                    : command == 1 ? "remove2"
-                                                   : "removechilden";
                 form.treeEvents.currentNodeKey = pick(command == 0 ? "Child" : "Menu");
                 if (form.treeEvents.currentNodeKey.empty()) {
                     continue;
                 }
-                form.menuClick(entry);
+                form.menuClick(kEntries[command]);
             }
             QVERIFY(gridChanges.count() <= 1);
             QCOMPARE(gridResets.count(), 0);

@@ -29,9 +29,7 @@ inline std::string toolsMenu() {
 // A menu of 20 submenus three deep ("Menu1" to "Menu20") with 12 lines each, written to path.
 inline void writeGroups(const std::string& path) {
     QFile out(QString::fromStdString(path));
-    if (!out.open(QIODevice::WriteOnly)) {
-        return;
-    }
+    QVERIFY(out.open(QIODevice::WriteOnly));
     QByteArray text =
         "# groups\r\n1 # library\r\nAbout\r\n2\r\n3\r\n4\r\nTitle\r\n"
         "100\r\n100\r\n10\r\n10\r\n11\r\n11\r\n";
