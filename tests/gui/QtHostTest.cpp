@@ -1,21 +1,7 @@
 // The real host services: message boxes, file filters, environment, pictures, pop-up menus,
-// ending the program, and the lock that keeps a second copy from running.
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDir>
-#include <QMenu>
-#include <QMessageBox>
-#include <QProcessEnvironment>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
+// and ending the program.
 #include <QtTest>
-
-#include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <functional>
-#include <thread>
+#include <QtWidgets>
 
 #include "gui/QtHost.h"
 #include "platform/Files.h"
@@ -23,37 +9,31 @@
 #include "support/ScriptedHost.h"
 
 using vkl::Answer;
-using vkl::Buttons;
 using vkl::gui::QtHost;
 
 namespace {
 
-struct SeenBox {
-    QString text;
-    QString title;
-    QMessageBox::Icon icon = QMessageBox::NoIcon;
-    QStringList buttons;
-    QString defaultButton;
-};
-
-// Shows a message box through the host; once it is up, records it and presses the button.
+// Shows a message box through the host; once it is up, records it as "title|icon|buttons|default
+// button|text" and presses the button.
 Answer answerBox(QtHost& host, const vkl::MessageBox& box, QMessageBox::StandardButton press,
-                 SeenBox& seen) {
+                 QString& seen) {
+    seen.clear();
     QTimer::singleShot(0, [&] {
         auto* shown = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!shown) {
             return;
         }
-        seen.text = shown->text();
-        seen.title = shown->windowTitle();
-        seen.icon = shown->icon();
+        QStringList buttons;
         for (QAbstractButton* b : shown->buttons()) {
-            seen.buttons << b->text().remove(QLatin1Char('&'));
+            buttons << b->text().remove(QLatin1Char('&'));
         }
-        seen.buttons.sort();
-        if (shown->defaultButton()) {
-            seen.defaultButton = shown->defaultButton()->text().remove(QLatin1Char('&'));
-        }
+        buttons.sort();
+        const QPushButton* chosen = shown->defaultButton();
+        seen =
+            QStringList{shown->windowTitle(), QString::number(shown->icon()),
+                        buttons.join(QLatin1Char(',')),
+                        chosen ? chosen->text().remove(QLatin1Char('&')) : QString(), shown->text()}
+                .join(QLatin1Char('|'));
         shown->button(press)->click();
     });
     return host.msgBox(box);
@@ -64,139 +44,120 @@ Answer answerBox(QtHost& host, const vkl::MessageBox& box, QMessageBox::Standard
 class QtHostTest : public QObject {
     Q_OBJECT
   private slots:
-    void messageBoxesHaveTheirButtonsTitleAndIcon();
-    void fileFiltersKeepTheirNamesAndMatchAllFiles();
-    void environmentAndTempFolder();
-    void picturesAreMeasuredOrRefused();
-    void popupMenuReturnsTheChosenEntry();
-    void endingTheProgramLeavesTheEventLoop();
+    void messageBoxesHaveTheirButtonsTitleAndIcon() {
+        QtHost host;
+        QString seen;
+        vkl::MessageBox quit;
+        quit.prompt = "Changes not saved! Do you really want to quit !";
+        quit.title = "Confirm Quit";
+        quit.buttons = vkl::Buttons::YesNo;
+        quit.questionIcon = true;
+        quit.defaultNo = true;
+        QCOMPARE(answerBox(host, quit, QMessageBox::Yes, seen), Answer::Yes);
+        // (Icon 4 is the question mark, 0 none.)
+        QCOMPARE(seen, QStringLiteral("Confirm Quit|4|No,Yes|No|") + quit.prompt.c_str());
+        QCOMPARE(answerBox(host, quit, QMessageBox::No, seen), Answer::No);
+
+        // Windows-1252 text, carriage returns as line breaks, the program's name as default title.
+        vkl::MessageBox notice;
+        notice.prompt = "\xc4nderungen\rzweite Zeile\r\ndritte";
+        QCOMPARE(answerBox(host, notice, QMessageBox::Ok, seen), Answer::Ok);
+        QCOMPARE(seen, QString::fromUtf8("VKL Editor|0|OK|OK|Änderungen\nzweite Zeile\ndritte"));
+        notice.title = "";
+        answerBox(host, notice, QMessageBox::Ok, seen);
+        QCOMPARE(seen, QString::fromUtf8("|0|OK|OK|Änderungen\nzweite Zeile\ndritte"));
+    }
+
+    void fileFiltersKeepTheirNamesAndMatchAllFiles() {
+        QCOMPARE(QtHost::nameFilters("All Files (*.*)|*.*|VKL Files (*.vkl)|*.vkl"),
+                 (QStringList{"All Files (*.*) (*)", "VKL Files (*.vkl) (*.vkl)"}));
+        QCOMPARE(QtHost::nameFilters("Pictures|*.bmp; *.DIB|Odd"),
+                 (QStringList{"Pictures (*.bmp *.DIB)", "Odd (*)"}));
+        QCOMPARE(QtHost::nameFilters("|*.txt"), QStringList{"*.txt (*.txt)"});
+        QVERIFY(QtHost::nameFilters("").isEmpty());
+    }
+
+    void environmentAndTempFolder() {
+        QtHost host;
+        QStringList entries;
+        int i = 1;
+        for (std::string e = host.environ(i); !e.empty(); e = host.environ(++i)) {
+            entries << QString::fromStdString(e);
+        }
+        QCOMPARE(entries, QProcessEnvironment::systemEnvironment().toStringList());
+        QCOMPARE(host.environ(0), std::string());
+
+        QCOMPARE(host.tempPath().value_or(""), vkl::files::userStateFolder());
+    }
+
+    void picturesAreMeasuredOrRefused() {
+        QtHost host;
+        QTemporaryDir dir;
+        const std::string bmp = dir.filePath(QStringLiteral("Menu Bild.bmp")).toStdString();
+        vkl::test::writeBmp(bmp, 37, 21);
+        const vkl::PictureSize size = host.loadPicture(bmp);
+        QCOMPARE(size.width, 37);
+        QCOMPARE(size.height, 21);
+
+        const QString text = dir.filePath(QStringLiteral("notes.bmp"));
+        QFile file(text);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("this is no picture at all\n");
+        file.close();
+        const auto refusal = [&](const QString& file) {
+            try {
+                host.loadPicture(file.toStdString());
+            } catch (const vkl::RuntimeError& e) {
+                return e.number();
+            }
+            return 0;
+        };
+        QCOMPARE(refusal(text), 481);
+        QCOMPARE(refusal(dir.filePath(QStringLiteral("missing.bmp"))), 53);
+    }
+
+    void popupMenuReturnsTheChosenEntry() {
+        QWidget window;
+        auto* menu = new QMenu(&window);
+        menu->setObjectName(QStringLiteral("Menu2"));
+        menu->addAction(QStringLiteral("Add above"))->setObjectName(QStringLiteral("addabove1"));
+        menu->addSeparator();
+        menu->addAction(QStringLiteral("Remove"))->setObjectName(QStringLiteral("remove1"));
+        window.show();
+        QtHost host;
+        host.setWindow(&window);
+
+        QTimer::singleShot(0, [] {
+            if (auto* open = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+                QAction* remove = open->actions().last();
+                QTest::mouseClick(open, Qt::LeftButton, {}, open->actionGeometry(remove).center());
+            }
+        });
+        QCOMPARE(host.popupMenu("Menu2"), std::string("remove1"));
+
+        QTimer::singleShot(0, [] {
+            if (auto* open = QApplication::activePopupWidget()) {
+                open->close();
+            }
+        });
+        QCOMPARE(host.popupMenu("Menu2"), std::string());
+        QCOMPARE(host.popupMenu("menu9"), std::string());
+    }
+
+    void endingTheProgramLeavesTheEventLoop() {
+        QWidget window;
+        window.show();
+        QtHost host;
+        host.setWindow(&window);
+        QVERIFY(!host.ended());
+        QEventLoop loop;
+        QTimer::singleShot(0, [&] { host.endProgram(); });
+        QTimer::singleShot(5000, &loop, [&] { loop.exit(7); });
+        QCOMPARE(loop.exec(), 0);
+        QVERIFY(host.ended());
+        QVERIFY(!window.isVisible());
+    }
 };
-
-void QtHostTest::messageBoxesHaveTheirButtonsTitleAndIcon() {
-    QtHost host;
-    SeenBox seen;
-    vkl::MessageBox quit;
-    quit.prompt = "Changes not saved! Do you really want to quit !";
-    quit.title = "Confirm Quit";
-    quit.buttons = Buttons::YesNo;
-    quit.questionIcon = true;
-    quit.defaultNo = true;
-    QCOMPARE(answerBox(host, quit, QMessageBox::Yes, seen), Answer::Yes);
-    QCOMPARE(seen.title, QStringLiteral("Confirm Quit"));
-    QCOMPARE(seen.icon, QMessageBox::Question);
-    QCOMPARE(seen.buttons, (QStringList{"No", "Yes"}));
-    QCOMPARE(seen.defaultButton, QStringLiteral("No"));
-    seen = {};
-    QCOMPARE(answerBox(host, quit, QMessageBox::No, seen), Answer::No);
-
-    // Windows-1252 text, carriage returns as line breaks, the program's name as default title.
-    seen = {};
-    vkl::MessageBox notice;
-    notice.prompt = "\xc4nderungen\rzweite Zeile\r\ndritte";
-    QCOMPARE(answerBox(host, notice, QMessageBox::Ok, seen), Answer::Ok);
-    QCOMPARE(seen.text, QString::fromUtf8("Änderungen\nzweite Zeile\ndritte"));
-    QCOMPARE(seen.title, QStringLiteral("VKL Editor"));
-    QCOMPARE(seen.icon, QMessageBox::NoIcon);
-    QCOMPARE(seen.buttons, QStringList{"OK"});
-
-    seen = {};
-    notice.title = "";
-    answerBox(host, notice, QMessageBox::Ok, seen);
-    QCOMPARE(seen.title, QString());
-    QVERIFY(!seen.text.isEmpty());
-}
-
-void QtHostTest::fileFiltersKeepTheirNamesAndMatchAllFiles() {
-    QCOMPARE(QtHost::nameFilters("All Files (*.*)|*.*|VKL Files (*.vkl)|*.vkl"),
-             (QStringList{"All Files (*.*) (*)", "VKL Files (*.vkl) (*.vkl)"}));
-    QCOMPARE(QtHost::nameFilters("Pictures|*.bmp; *.DIB|Odd"),
-             (QStringList{"Pictures (*.bmp *.DIB)", "Odd (*)"}));
-    QCOMPARE(QtHost::nameFilters("|*.txt"), QStringList{"*.txt (*.txt)"});
-    QVERIFY(QtHost::nameFilters("").isEmpty());
-}
-
-void QtHostTest::environmentAndTempFolder() {
-    QtHost host;
-    QStringList entries;
-    int i = 1;
-    for (std::string e = host.environ(i); !e.empty(); e = host.environ(++i)) {
-        entries << QString::fromStdString(e);
-    }
-    QCOMPARE(entries, QProcessEnvironment::systemEnvironment().toStringList());
-    QCOMPARE(host.environ(0), std::string());
-
-    QCOMPARE(host.tempPath().value_or(""), vkl::files::userStateFolder());
-}
-
-void QtHostTest::picturesAreMeasuredOrRefused() {
-    QtHost host;
-    QTemporaryDir dir;
-    const std::string bmp = dir.filePath(QStringLiteral("Menu Bild.bmp")).toStdString();
-    vkl::test::writeBmp(bmp, 37, 21);
-    const vkl::PictureSize size = host.loadPicture(bmp);
-    QCOMPARE(size.width, 37);
-    QCOMPARE(size.height, 21);
-
-    const QString text = dir.filePath(QStringLiteral("notes.bmp"));
-    QFile file(text);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("this is no picture at all\n");
-    file.close();
-    try {
-        host.loadPicture(text.toStdString());
-        QFAIL("a text file was taken for a picture");
-    } catch (const vkl::RuntimeError& e) {
-        QCOMPARE(e.number(), 481);
-    }
-    try {
-        host.loadPicture(dir.filePath(QStringLiteral("missing.bmp")).toStdString());
-        QFAIL("a missing file was taken for a picture");
-    } catch (const vkl::RuntimeError& e) {
-        QCOMPARE(e.number(), 53);
-    }
-}
-
-void QtHostTest::popupMenuReturnsTheChosenEntry() {
-    QWidget window;
-    auto* menu = new QMenu(&window);
-    menu->setObjectName(QStringLiteral("Menu2"));
-    menu->addAction(QStringLiteral("Add above"))->setObjectName(QStringLiteral("addabove1"));
-    menu->addSeparator();
-    menu->addAction(QStringLiteral("Remove"))->setObjectName(QStringLiteral("remove1"));
-    window.show();
-    QtHost host;
-    host.setWindow(&window);
-
-    QTimer::singleShot(0, [] {
-        if (auto* open = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
-            QAction* remove = open->actions().last();
-            QTest::mouseClick(open, Qt::LeftButton, {}, open->actionGeometry(remove).center());
-        }
-    });
-    QCOMPARE(host.popupMenu("Menu2"), std::string("remove1"));
-
-    QTimer::singleShot(0, [] {
-        if (auto* open = QApplication::activePopupWidget()) {
-            open->close();
-        }
-    });
-    QCOMPARE(host.popupMenu("Menu2"), std::string());
-    QCOMPARE(host.popupMenu("menu9"), std::string());
-}
-
-void QtHostTest::endingTheProgramLeavesTheEventLoop() {
-    QWidget window;
-    window.show();
-    QtHost host;
-    host.setWindow(&window);
-    QVERIFY(!host.ended());
-    QEventLoop loop;
-    QTimer::singleShot(0, [&] { host.endProgram(); });
-    QTimer::singleShot(5000, &loop, [&] { loop.exit(7); });
-    QCOMPARE(loop.exec(), 0);
-    QVERIFY(host.ended());
-    QVERIFY(!window.isVisible());
-}
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);

@@ -1,13 +1,8 @@
 // Opening and saving menu files through the real window's toolbar: what the grid and the tree
 // show afterwards, and cancelled or refused commands.
-#include <QLineEdit>
-
 #include "support/WindowFixture.h"
 
-using vkl::test::ScriptedHost;
-using window_test::shownText;
-using window_test::treeLines;
-using window_test::Window;
+using namespace window_test;
 
 namespace {
 
@@ -34,62 +29,60 @@ class WindowFilesTest : public QObject, window_test::WindowCase {
     // What the grid, the tree and the header show in text is held against vklcheck for every menu
     // file (CliAgreementTest); here, how the views lay it out.
     void openShowsTheRowsTheTreeAndTheHeader() {
-        Window& w = *window_;
-        QVERIFY(w.host.messages.empty());  // an empty table is overwritten without a question
-        QCOMPARE(shownText(w.window, "decfilename"),
+        QVERIFY(w->host.messages.empty());  // an empty table is overwritten without a question
+        QCOMPARE(shownText(w->window, "decfilename"),
                  QString::fromStdString(window_test::toolsMenu()));
-        QVERIFY(!w.child<QLineEdit>("Datadir")->isEnabled());
+        QVERIFY(!w->child<QLineEdit>("Datadir")->isEnabled());
 
         // One line below the other, inside the viewport.
-        QCOMPARE(w.table()->model()->rowCount(), 7);
+        QCOMPARE(w->table()->model()->rowCount(), 7);
         for (int r = 1; r <= 7; ++r) {
-            const QRect line = w.table()->visualRect(w.cell(r, 1));
-            QVERIFY(w.table()->viewport()->rect().contains(line));
-            QCOMPARE(w.table()->rowAt(line.center().y()), r - 1);
+            const QRect line = w->table()->visualRect(w->cell(r, 1));
+            QVERIFY(w->table()->viewport()->rect().contains(line));
+            QCOMPARE(w->table()->rowAt(line.center().y()), r - 1);
         }
         // Folders open as read, deeper lines made visible.
-        QCOMPARE(treeLines(w.tree()), kToolsTree);
-        const QRect metric = w.tree()->visualRect(w.node("Child3"));
-        QVERIFY(metric.isValid() && w.tree()->viewport()->rect().contains(metric));
+        QCOMPARE(treeLines(w->tree()), kToolsTree);
+        const QRect metric = w->tree()->visualRect(w->node("Child3"));
+        QVERIFY(metric.isValid() && w->tree()->viewport()->rect().contains(metric));
     }
 
     void saveShowsTheNameAndItReadsBack() {
-        Window& w = *window_;
-        const std::string out = w.path("saved.vkl");
-        w.host.saveAnswers.push_back(ScriptedHost::pick(out));
-        QVERIFY(w.clickTool("save"));
-        QCOMPARE(w.host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
-        QCOMPARE(shownText(w.window, "decfilename"), QString::fromStdString(out));
+        const std::string out = w->path("saved.vkl");
+        w->host.saveAnswers.push_back(vkl::test::ScriptedHost::pick(out));
+        QVERIFY(w->clickTool("save"));
+        QCOMPARE(w->host.lastPrompt(), std::string("Menu 'Empty' without children is ignored !"));
+        QCOMPARE(shownText(w->window, "decfilename"), QString::fromStdString(out));
 
         // Opened again: the same lines, the titles now in upper case, no empty submenu.
-        w.host.answers = {vkl::Answer::No};
-        QVERIFY(w.open(out));
-        QCOMPARE(w.table()->model()->rowCount(), 7);
-        QCOMPARE(w.cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));
-        QCOMPARE(treeLines(w.tree()).size(), kToolsTree.size() - 1);
-        QCOMPARE(w.host.endCount, 0);
+        w->host.answers = {vkl::Answer::No};
+        QVERIFY(w->open(out));
+        QCOMPARE(w->table()->model()->rowCount(), 7);
+        QCOMPARE(w->cellText(6, 1), QString::fromUtf8("SENKUNG FÜR SCHRAUBEN"));
+        QCOMPARE(treeLines(w->tree()).size(), kToolsTree.size() - 1);
+        QCOMPARE(w->host.endCount, 0);
     }
 
     void refusedAndCancelledCommandsChangeNothing() {
-        Window w;
+        Window own;
         // A cancelled open leaves table, tree and file name as they were.
-        QVERIFY(w.open(window_test::toolsMenu()));
-        w.host.openAnswers.push_back({});
-        QVERIFY(w.clickTool("open"));
-        QCOMPARE(w.host.openRequests.size(), size_t{2});
-        QCOMPARE(w.table()->model()->rowCount(), 7);
-        QCOMPARE(treeLines(w.tree()), kToolsTree);
-        QCOMPARE(shownText(w.window, "decfilename"),
+        QVERIFY(own.open(window_test::toolsMenu()));
+        own.host.openAnswers.push_back({});
+        QVERIFY(own.clickTool("open"));
+        QCOMPARE(own.host.openRequests.size(), size_t{2});
+        QCOMPARE(own.table()->model()->rowCount(), 7);
+        QCOMPARE(treeLines(own.tree()), kToolsTree);
+        QCOMPARE(shownText(own.window, "decfilename"),
                  QString::fromStdString(window_test::toolsMenu()));
 
         // A cancelled save writes nothing and keeps the file name shown.
-        w.host.saveAnswers.push_back({});
-        QVERIFY(w.clickTool("save"));
-        QCOMPARE(w.host.saveRequests.size(), size_t{1});
-        QCOMPARE(shownText(w.window, "decfilename"),
+        own.host.saveAnswers.push_back({});
+        QVERIFY(own.clickTool("save"));
+        QCOMPARE(own.host.saveRequests.size(), size_t{1});
+        QCOMPARE(shownText(own.window, "decfilename"),
                  QString::fromStdString(window_test::toolsMenu()));
-        QCOMPARE(QDir(w.dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
-        QCOMPARE(w.host.endCount, 0);
+        QCOMPARE(QDir(own.dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
+        QCOMPARE(own.host.endCount, 0);
     }
 
     // Every test starts in a new window showing the tools menu.

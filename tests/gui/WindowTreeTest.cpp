@@ -1,19 +1,7 @@
 // The menu tree in the real window: dragging nodes onto folders, the scroll timer near the
 // edges, label edits, pop-up commands and views, and the preview of a folder's bitmap.
-#include <QDrag>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QScreen>
-#include <QScrollBar>
-#include <QTimer>
-
-#include "gui/Views.h"
 #include "support/WindowFixture.h"
 
-using vkl::test::ScriptedHost;
-using window_test::pictureOf;
-using window_test::treeLines;
 using window_test::Window;
 
 namespace {
@@ -30,14 +18,14 @@ struct TreeDrag {
         QTest::mousePress(viewport, Qt::LeftButton, {}, from);
         // The drag starts once the pointer has moved far enough with the button down.
         QTest::mouseMove(viewport, from + QPoint(2, 0));
-        QTest::mouseMove(viewport, from + QPoint(QApplication::startDragDistance() + 4, 0));
+        const QPoint far = from + QPoint(QApplication::startDragDistance() + 4, 0);
+        QTest::mouseMove(viewport, far);
         // The view keeps the drag until the event loop runs again; the newest one is this.
         const QList<QDrag*> drags = w.tree()->findChildren<QDrag*>();
         if (!drags.isEmpty()) {
             data.setText(drags.last()->mimeData()->text());
         }
-        QTest::mouseRelease(viewport, Qt::LeftButton, {},
-                            from + QPoint(QApplication::startDragDistance() + 4, 0));
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, far);
     }
 
     // Passes over a point of the tree's viewport; true when the view would take a drop there.
@@ -55,8 +43,6 @@ struct TreeDrag {
         QDropEvent drop(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(w.tree()->viewport(), &drop);
     }
-
-    void dropOn(const std::string& key) { dropOn(w.nodeCentre(key)); }
 };
 
 }  // namespace
@@ -65,38 +51,34 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
     Q_OBJECT
   private slots:
     void droppedNodeBecomesTheFoldersLastChild() {
-        Window& w = *window_;
-        QAbstractItemModel* model = w.tree()->model();
+        QAbstractItemModel* model = w->tree()->model();
 
         // The drag carries the key of the node it started on.
-        TreeDrag about(w, "Child7");
+        TreeDrag about(*w, "Child7");
         QCOMPARE(about.data.text(), QStringLiteral("Child7"));
-        QVERIFY(w.form.treeEvents.dragging);
-        QVERIFY(about.over(w.nodeCentre("Menu3")));
-        about.dropOn("Menu3");
-        QVERIFY(!w.form.treeEvents.dragging);
-        QCOMPARE(model->rowCount(w.node("Menu3")), 3);
-        QCOMPARE(model->index(2, 0, w.node("Menu3")), w.node("Child7"));
-        QCOMPARE(w.node("Child7").data().toString(), QStringLiteral("ABOUT"));
-        QCOMPARE(model->rowCount(w.node("Menu0")), 3);
+        QVERIFY(w->form.treeEvents.dragging);
+        QVERIFY(about.over(w->nodeCentre("Menu3")));
+        about.dropOn(w->nodeCentre("Menu3"));
+        QVERIFY(!w->form.treeEvents.dragging);
+        QCOMPARE(model->rowCount(w->node("Menu3")), 3);
+        QCOMPARE(model->index(2, 0, w->node("Menu3")), w->node("Child7"));
+        QCOMPARE(w->node("Child7").data().toString(), QStringLiteral("ABOUT"));
+        QCOMPARE(model->rowCount(w->node("Menu0")), 3);
 
         // Below the last node there is nothing to drop on.
-        TreeDrag nowhere(w, "Child1");
-        const QRect last = w.tree()->visualRect(w.node("Menu4"));
+        TreeDrag nowhere(*w, "Child1");
+        const QRect last = w->tree()->visualRect(w->node("Menu4"));
         QVERIFY(!nowhere.over(QPoint(last.center().x(), last.bottom() + 40)));
-
-        QCOMPARE(w.host.endCount, 0);
     }
 
     void draggingNearTheEdgesScrollsByTheTimer() {
-        Window& w = *window_;
         for (int i = 0; i < 80; ++i) {
-            QVERIFY(w.clickTool("lineadd"));
+            QVERIFY(w->clickTool("lineadd"));
         }
-        QTreeView* tree = w.tree();
+        QTreeView* tree = w->tree();
         QScrollBar* bar = tree->verticalScrollBar();
         QTRY_VERIFY(bar->maximum() > 20);
-        auto* timer = w.window.findChild<QTimer*>(QStringLiteral("Timer1"));
+        auto* timer = w->window.findChild<QTimer*>(QStringLiteral("Timer1"));
         QVERIFY(!timer->isActive());
 
         bar->setValue(bar->maximum() / 2);
@@ -104,8 +86,8 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         const QRect area = tree->viewport()->rect();
         const double pixelsPerTwip = tree->logicalDpiY() / 1440.0;
         const QPoint centre = area.center();
-        TreeDrag drag(w, w.form.Treeview.key(w.treeModel()->node(tree->indexAt(centre))));
-        QVERIFY(w.form.treeEvents.dragging);
+        TreeDrag drag(*w, w->form.Treeview.key(w->treeModel()->node(tree->indexAt(centre))));
+        QVERIFY(w->form.treeEvents.dragging);
 
         // 50 twips below the top edge: the timer runs and each tick scrolls one line up, with the
         // node under the pointer drawn as the drop target.
@@ -124,25 +106,23 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         drag.over(centre);
         QVERIFY(!timer->isActive());
         drag.dropOn(centre);
-        QVERIFY(!w.form.treeEvents.dragging);
-        QCOMPARE(w.host.endCount, 0);
+        QVERIFY(!w->form.treeEvents.dragging);
     }
 
     void labelEditsReachTheTitleCell() {
-        Window& w = *window_;
-        QTreeView* tree = w.tree();
+        QTreeView* tree = w->tree();
 
         // Opens the label editor of a node, as the user does: a click selects the node; then a
         // second click on it, or F2, opens the editor.
         const auto editLabel = [&](const std::string& key, bool secondClick, const char* typed) {
             QWidget* viewport = tree->viewport();
-            QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
-            QCOMPARE(tree->currentIndex(), w.node(key));
+            QTest::mouseClick(viewport, Qt::LeftButton, {}, w->nodeCentre(key));
+            QCOMPARE(tree->currentIndex(), w->node(key));
             // The first click only selects: no editor opens, not even after a while.
             QTest::qWait(QApplication::doubleClickInterval() + 100);
             QVERIFY(!viewport->findChild<QLineEdit*>());
             if (secondClick) {
-                QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre(key));
+                QTest::mouseClick(viewport, Qt::LeftButton, {}, w->nodeCentre(key));
                 QTRY_VERIFY(viewport->findChild<QLineEdit*>());
             } else {
                 QTest::keyClick(tree, Qt::Key_F2);
@@ -161,17 +141,16 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         if (QTest::currentTestFailed()) {
             return;
         }
-        QCOMPARE(w.cellText(4, 1), QStringLiteral("very fine"));
-        QCOMPARE(w.node("Child4").data().toString(), QStringLiteral("very fine"));
-        QCOMPARE(w.cellText(3, 1), QStringLiteral("Metric"));
+        QCOMPARE(w->cellText(4, 1), QStringLiteral("very fine"));
+        QCOMPARE(w->node("Child4").data().toString(), QStringLiteral("very fine"));
+        QCOMPARE(w->cellText(3, 1), QStringLiteral("Metric"));
 
         // A folder's label changes the tree only.
         editLabel("Menu3", false, "Grooves");
         if (QTest::currentTestFailed()) {
             return;
         }
-        QCOMPARE(w.node("Menu3").data().toString(), QStringLiteral("Grooves"));
-        QCOMPARE(w.host.endCount, 0);
+        QCOMPARE(w->node("Menu3").data().toString(), QStringLiteral("Grooves"));
 
         // The window goes while an editor is still open: the editor commits as it closes, and the
         // window, half gone, must not take that for an edit.
@@ -183,57 +162,55 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
     }
 
     void popupCommandsAndViewButtonsShowInTheTree() {
-        Window& w = *window_;
-        QTreeView* tree = w.tree();
+        QTreeView* tree = w->tree();
         const auto rightClick = [&](const std::string& key, const char* entry) {
-            w.host.popupAnswers = {entry};
-            QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, w.nodeCentre(key));
+            w->host.popupAnswers = {entry};
+            QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, w->nodeCentre(key));
         };
 
         // The view buttons, over a new folder at the top and one inside Threads.
         rightClick("Menu0", "addsub");
         rightClick("Menu2", "addsub");
-        QCOMPARE(w.node("Menu6").parent(), w.node("Menu2"));
+        QCOMPARE(w->node("Menu6").parent(), w->node("Menu2"));
         const auto expandedFolders = [&] {
             QStringList open;
             for (const char* key : {"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}) {
-                if (tree->isExpanded(w.node(key))) {
+                if (tree->isExpanded(w->node(key))) {
                     open << QLatin1String(key);
                 }
             }
             return open;
         };
-        QTest::mouseClick(w.child<QWidget>("Colapse"), Qt::LeftButton);
+        QTest::mouseClick(w->child<QWidget>("Colapse"), Qt::LeftButton);
         QCOMPARE(expandedFolders(), QStringList());
-        QCOMPARE(w.form.treeEvents.currentNodeKey, std::string("Menu6"));
-        QTest::mouseClick(w.child<QWidget>("Expand"), Qt::LeftButton);
+        QCOMPARE(w->form.treeEvents.currentNodeKey, std::string("Menu6"));
+        QTest::mouseClick(w->child<QWidget>("Expand"), Qt::LeftButton);
         QCOMPARE(expandedFolders(),
                  (QStringList{"Menu0", "Menu1", "Menu2", "Menu4", "Menu5", "Menu6"}));
-        QVERIFY(tree->viewport()->rect().intersects(tree->visualRect(w.node("Menu6"))));
-        QTest::mouseClick(w.child<QWidget>("onlymenus"), Qt::LeftButton);
+        QVERIFY(tree->viewport()->rect().intersects(tree->visualRect(w->node("Menu6"))));
+        QTest::mouseClick(w->child<QWidget>("onlymenus"), Qt::LeftButton);
         QCOMPARE(expandedFolders(), (QStringList{"Menu0", "Menu1", "Menu2"}));
-        QCOMPARE(w.host.endCount, 0);
     }
 
     void folderClickShowsItsBitmapInThePreview() {
-        Window w;
+        Window own;
         // A window with room beside it on the screen.
-        const QRect screen = w.window.screen()->availableGeometry();
-        w.window.setGeometry(QRect(screen.topLeft(), w.window.minimumSizeHint()));
-        QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-        QVERIFY(QDir(w.dir.path()).mkdir(QStringLiteral("img")));
-        vkl::test::writeBmp(w.path("img/holes.bmp"), 48, 32);
-        vkl::test::writeBmp(w.path("img/threads.bmp"), 64, 40);
-        QVERIFY(w.open(window_test::toolsMenu()));
-        QVERIFY(!w.child<QWidget>("preview"));
-        const QSize margins(qRound(850 * w.window.logicalDpiX() / 1440.0),
-                            qRound(500 * w.window.logicalDpiY() / 1440.0));
-        QWidget* viewport = w.tree()->viewport();
+        const QRect screen = own.window.screen()->availableGeometry();
+        own.window.setGeometry(QRect(screen.topLeft(), own.window.minimumSizeHint()));
+        QVERIFY(QTest::qWaitForWindowExposed(&own.window));
+        QVERIFY(QDir(own.dir.path()).mkdir(QStringLiteral("img")));
+        vkl::test::writeBmp(own.path("img/holes.bmp"), 48, 32);
+        vkl::test::writeBmp(own.path("img/threads.bmp"), 64, 40);
+        QVERIFY(own.open(window_test::toolsMenu()));
+        QVERIFY(!own.child<QWidget>("preview"));
+        const QSize margins(qRound(850 * own.window.logicalDpiX() / 1440.0),
+                            qRound(500 * own.window.logicalDpiY() / 1440.0));
+        QWidget* viewport = own.tree()->viewport();
 
-        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu1"));
-        auto* preview = w.child<QWidget>("preview");
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, own.nodeCentre("Menu1"));
+        auto* preview = own.child<QWidget>("preview");
         QVERIFY(preview && preview->isVisible() && preview->isWindow());
-        QCOMPARE(preview->parentWidget(), &w.window);
+        QCOMPARE(preview->parentWidget(), &own.window);
         auto* box = preview->findChild<QLabel*>(QStringLiteral("Picture1"));
         const auto expectPicture = [&](QSize size) {
             QCOMPARE(box->pixmap().size(), size);
@@ -243,23 +220,26 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
         };
         expectPicture(QSize(48, 32));
         // It opens beside the window, on the tree's side, and keeps the edge next to it.
-        QVERIFY(!preview->frameGeometry().intersects(w.window.frameGeometry()));
-        QVERIFY(preview->frameGeometry().left() > w.tree()->mapToGlobal(QPoint(0, 0)).x());
+        QVERIFY(!preview->frameGeometry().intersects(own.window.frameGeometry()));
+        QVERIFY(preview->frameGeometry().left() > own.tree()->mapToGlobal(QPoint(0, 0)).x());
         QVERIFY(screen.contains(preview->frameGeometry()));
         const QPoint corner = preview->frameGeometry().topLeft();
 
         // A second folder replaces the picture in the same window.
-        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu2"));
-        QCOMPARE(w.child<QWidget>("preview"), preview);
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, own.nodeCentre("Menu2"));
+        QCOMPARE(own.child<QWidget>("preview"), preview);
         expectPicture(QSize(64, 40));
         QCOMPARE(preview->frameGeometry().topLeft(), corner);
 
         // A folder without a bitmap shows nothing new.
-        QTest::mouseClick(viewport, Qt::LeftButton, {}, w.nodeCentre("Menu3"));
-        QVERIFY(w.host.messages.empty());
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, own.nodeCentre("Menu3"));
+        QVERIFY(own.host.messages.empty());
         QCOMPARE(box->pixmap().size(), QSize(64, 40));
         QVERIFY(preview->isVisible());
     }
+
+    // No test ends the program.
+    void cleanup() { QCOMPARE(w->host.endCount, 0); }
 
     // Every test starts in a new window showing the tools menu.
     void init() { QVERIFY(start()); }

@@ -3,26 +3,18 @@
 // place for saved menus and bitmaps.
 #pragma once
 
-#include <QAbstractButton>
-#include <QAbstractItemModel>
-#include <QApplication>
-#include <QComboBox>
-#include <QFile>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTemporaryDir>
-#include <QToolBar>
-#include <QTreeView>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <memory>
 #include <string>
 
 #include "app/Form1.h"
+#include "gui/GridModel.h"
 #include "gui/Icons.h"
 #include "gui/MainWindow.h"
 #include "gui/TreeModel.h"
+#include "platform/Text.h"
 #include "support/ScriptedHost.h"
 
 namespace window_test {
@@ -37,9 +29,7 @@ inline std::string toolsMenu() {
 // A menu of 20 submenus three deep ("Menu1" to "Menu20") with 12 lines each, written to path.
 inline void writeGroups(const std::string& path) {
     QFile out(QString::fromStdString(path));
-    if (!out.open(QIODevice::WriteOnly)) {
-        return;
-    }
+    QVERIFY(out.open(QIODevice::WriteOnly));
     QByteArray text =
         "# groups\r\n1 # library\r\nAbout\r\n2\r\n3\r\n4\r\nTitle\r\n"
         "100\r\n100\r\n10\r\n10\r\n11\r\n11\r\n";
@@ -115,16 +105,37 @@ struct BasicWindow {
 using Window = BasicWindow<>;
 
 // The common start of a window test case, for its init(): a window shown, with the tools menu
-// open unless the case wants it empty. The window of one case lives until the next case starts.
+// open. The window of one case lives until the next case starts.
 struct WindowCase {
-    std::unique_ptr<Window> window_;
-    bool start(bool withTools = true) {
-        window_.reset();
-        window_ = std::make_unique<Window>();
-        return QTest::qWaitForWindowExposed(&window_->window) &&
-               (!withTools || window_->open(toolsMenu()));
+    std::unique_ptr<Window> w;
+    bool start() {
+        w.reset();
+        w = std::make_unique<Window>();
+        return QTest::qWaitForWindowExposed(&w->window) && w->open(toolsMenu());
     }
 };
+
+// The keys of the eight pictures a node of the tree can show.
+inline const char* const kNodePictures[] = {"root", "arrow2",       "arrow1",     "folderclosed2",
+                                            "item", "folderclosed", "image_here", "blank"};
+
+// Text the form holds in Windows-1252, as the window shows it.
+inline QString utf8(const std::string& cp1252) {
+    return QString::fromStdString(vkl::text::cp1252ToUtf8(cp1252));
+}
+
+// Every row of a grid model, its cells joined by "|".
+inline QStringList gridRows(const QAbstractItemModel& grid) {
+    QStringList rows;
+    for (int r = 0; r < grid.rowCount(); ++r) {
+        QStringList cells;
+        for (int c = 0; c < grid.columnCount(); ++c) {
+            cells << grid.index(r, c).data().toString();
+        }
+        rows << cells.join(QLatin1Char('|'));
+    }
+    return rows;
+}
 
 // The name of the node picture an index shows, "-" for none, "?" for one that is none of them.
 inline QString pictureOf(const QModelIndex& index) {
@@ -133,8 +144,7 @@ inline QString pictureOf(const QModelIndex& index) {
         return QStringLiteral("-");
     }
     const QImage shown = decoration.value<QIcon>().pixmap(16, 16).toImage();
-    for (const char* key : {"root", "arrow2", "arrow1", "folderclosed2", "item", "folderclosed",
-                            "image_here", "blank"}) {
+    for (const char* key : kNodePictures) {
         if (vkl::gui::icons::node(QLatin1String(key)).pixmap(16, 16).toImage() == shown) {
             return QLatin1String(key);
         }
@@ -142,20 +152,16 @@ inline QString pictureOf(const QModelIndex& index) {
     return QStringLiteral("?");
 }
 
-// The tree as its view shows it: one line per node, two blanks per level and the text; with
-// looks, also the picture and a "+" for a node the view shows expanded.
-inline QStringList treeLines(QTreeView* view, bool looks = true, const QModelIndex& parent = {},
-                             int depth = 0) {
+// The tree as its view shows it: one line per node, two blanks per level, the text, the picture
+// and a "+" for a node the view shows expanded.
+inline QStringList treeLines(QTreeView* view, const QModelIndex& parent = {}, int depth = 0) {
     QStringList lines;
     QAbstractItemModel* model = view->model();
     for (int r = 0; r < model->rowCount(parent); ++r) {
         const QModelIndex at = model->index(r, 0, parent);
-        QString line = QString(depth * 2, QLatin1Char(' ')) + at.data().toString();
-        if (looks) {
-            line += QLatin1Char(' ') + pictureOf(at) +
-                    (view->isExpanded(at) ? QStringLiteral(" +") : QString());
-        }
-        lines << line << treeLines(view, looks, at, depth + 1);
+        lines << QString(depth * 2, QLatin1Char(' ')) + at.data().toString() + QLatin1Char(' ') +
+                     pictureOf(at) + (view->isExpanded(at) ? QStringLiteral(" +") : QString())
+              << treeLines(view, at, depth + 1);
     }
     return lines;
 }
@@ -163,20 +169,14 @@ inline QStringList treeLines(QTreeView* view, bool looks = true, const QModelInd
 // Whatever a named control shows: a caption, a label, a field's text or a menu entry.
 inline QString shownText(QWidget& window, const char* name) {
     const QString n = QString::fromLatin1(name);
-    if (auto* a = window.findChild<QAction*>(n)) {
-        return a->text();
-    }
-    if (auto* b = window.findChild<QAbstractButton*>(n)) {
-        return b->text();
-    }
-    if (auto* l = window.findChild<QLabel*>(n)) {
-        return l->text();
-    }
-    if (auto* e = window.findChild<QLineEdit*>(n)) {
-        return e->text();
-    }
     if (auto* c = window.findChild<QComboBox*>(n)) {
         return c->currentText();
+    }
+    // Actions, buttons, labels and fields all hold it as their text.
+    for (QObject* control : window.findChildren<QObject*>(n)) {
+        if (const QVariant text = control->property("text"); text.isValid()) {
+            return text.toString();
+        }
     }
     return QStringLiteral("<no control %1>").arg(n);
 }
