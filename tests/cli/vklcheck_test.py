@@ -13,6 +13,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
 VKL = CLI_DATA = TMP = ""
 failures = []
@@ -58,9 +59,9 @@ def run_json(*args):
         return code, {}, err
 
 
-def expect_findings(name, expected, what, code=None):
+def expect_findings(name, expected, what, code=None, cwd=None):
     """The lines printed for a file (and its exit status when given)."""
-    got_code, out, _ = run(name)
+    got_code, out, _ = run(name, cwd=cwd)
     expect_eq((got_code if code is not None else None, out.splitlines()), (code, expected), what)
 
 
@@ -105,16 +106,17 @@ def tmp(name):
     return os.path.join(TMP, name)
 
 
-def lines_of(path):
-    with open(path, "rb") as f:
-        return f.read().split(b"\r\n")
+def expect_refused(name, message, *args):
+    """A file vklcheck will not read: status 2, nothing on stdout, one message on stderr."""
+    code, out, err = run(*args, name)
+    expect_eq((code, out, err.strip()), (2, "", f"vklcheck: {name}: {message}"), f"{args} {name}")
 
 
 def expect_saved_as(out_path, expected_path, what):
     """The bytes written equal the expected file, the library-name line (15) aside."""
     if not os.path.exists(out_path):
         return failures.append(f"{what}: {out_path} was not written")
-    got, want = lines_of(out_path), lines_of(expected_path)
+    got, want = (Path(p).read_bytes().split(b"\r\n") for p in (out_path, expected_path))
     expect(LIBRARY_LINE.match(got[14]) is not None, f"{what}: library-name line {got[14]!r}")
     expect_eq(got[:14] + got[15:], want[:14] + want[15:], f"{what}: saved lines")
 
@@ -123,29 +125,26 @@ def expect_saved_as(out_path, expected_path, what):
 
 
 def group_findings():
-    code, out, _ = run("sheetmetal.vkl", cwd=CLI_DATA)
-    expect_eq((code, out.splitlines()), (1, [f"sheetmetal.vkl:{n}: {t}" for n, t in [
+    expect_findings("sheetmetal.vkl", [f"sheetmetal.vkl:{n}: {t}" for n, t in [
         (30, "wrong number of fields:  Hem|hem.bmp|F|sm_hem|closed"),
         (31, "empty parameter:  Relief cut|relief.bmp|F| "),
         (32, "submenu without children is not saved: Cutouts|cut.bmp|S|Cutouts"),
         (33, "table line 2 has missing entries and is not saved: Punch library|punch.bmp|LOS|"
              "D:\\Sheet\\pkg\\"),
         (35, "empty title: |about.bmp|D|sm_about"), (36, "empty action: Export DXF|dxf.bmp||sm_dxf"),
-    ]] + [trap("sheetmetal.vkl", 2), summary("sheetmetal.vkl", 3, 2, 1, 4)]), "sheetmetal.vkl")
+    ]] + [trap("sheetmetal.vkl", 2), summary("sheetmetal.vkl", 3, 2, 1, 4)], "sheetmetal.vkl", 1, CLI_DATA)
     # Its data and image folder pairs come back twice after one save.
-    code, out, _ = run("woodshop.vkl", cwd=CLI_DATA)
-    expect_eq((code, out.splitlines()), (1, [trap("woodshop.vkl", 1), summary("woodshop.vkl", 9, 3, 2, 0)]),
-              "the SHORTCUT trap")
+    expect_findings("woodshop.vkl", [trap("woodshop.vkl", 1), summary("woodshop.vkl", 9, 3, 2, 0)],
+                    "the SHORTCUT trap", 1, CLI_DATA)
 
     # The header takes lines by position: menu lines inside it are swallowed (positions 2 and
     # 6 are read back whole and not reported; two or four "|" do not look like a menu line).
     write("short.vkl", [], comments=["# c"], header=["lib", "About|x|y|z", "Menu|a.bmp|F|f",
           "Short|cut|x", "p5", "T|t.bmp|F|t", "Sub|s.bmp|S|Sub", "Five|a|b|c|d"])
-    expect_findings("short.vkl", [
-        "short.vkl:4: header position 3 looks like a menu line: Menu|a.bmp|F|f",
-        "short.vkl:8: header position 7 looks like a menu line: Sub|s.bmp|S|Sub",
-        "short.vkl:9: the file ends inside the header: Five|a|b|c|d", summary("short.vkl", 0, 0, 0, 0),
-    ], "header findings")
+    expect_findings("short.vkl", ["short.vkl:4: header position 3 looks like a menu line: Menu|a.bmp|F|f",
+                                  "short.vkl:8: header position 7 looks like a menu line: Sub|s.bmp|S|Sub",
+                                  "short.vkl:9: the file ends inside the header: Five|a|b|c|d",
+                                  summary("short.vkl", 0, 0, 0, 0)], "header findings")
     write("pos12.vkl", ["A|a.bmp|F|f"], header=HEADER[:11] + ["X|x.bmp|F|x"])
     expect_findings("pos12.vkl", ["pos12.vkl:14: header position 12 looks like a menu line: X|x.bmp|F|x",
                                   summary("pos12.vkl", 1, 0, 0, 0)], "the twelfth header line too")
@@ -166,13 +165,11 @@ def group_findings():
 
 
 # Rows and tree are checked on random menus (round_trip); here the fields around them.
-WOODSHOP_JSON = {
-    "header": {"Text2": "Cabinet", "Text3": "Cabinet tools for Brindlemark # 1. text in the [About] box",
-               "Combo2": "60", "Combo3": "60", "Datadir": "C:\\Cabinet\\data",
-               "Imagedir": "[installdir]\\bitmaps"},
-    "shortcuts": [["datadir", "C:\\Cabinet\\data"], ["bmpdir", "[installdir]\\bitmaps"]],
-    "submenuBitmaps": {"1": "drill.bmp", "2": "panel.bmp", "3": "fronts.bmp"}, "skipped": [], "fatal": None,
-}
+WOODSHOP_JSON = {"header": {"Text2": "Cabinet", "Text3": "Cabinet tools for Brindlemark # 1. text in the [About] box",
+                            "Combo2": "60", "Combo3": "60", "Datadir": "C:\\Cabinet\\data",
+                            "Imagedir": "[installdir]\\bitmaps"}, "skipped": [], "fatal": None,
+                 "shortcuts": [["datadir", "C:\\Cabinet\\data"], ["bmpdir", "[installdir]\\bitmaps"]],
+                 "submenuBitmaps": {"1": "drill.bmp", "2": "panel.bmp", "3": "fronts.bmp"}}
 
 
 def group_json():
@@ -193,15 +190,13 @@ def group_json():
                         " \xff\x81|b.bmp|D|d", "SHORTCUT|k|v", "SHORTCUT|k2|v2", "After|c|F|g"])
     code, got, _ = run_json("third.vkl")
     tree = got.get("tree", {}).get("children", [{}, {}])
-    expect_eq((code, got.get("fatal"), got.get("skipped"), got.get("shortcuts"),
-               got.get("header", {}).get("Imagedir"), got.get("rows"), [c.get("text") for c in tree],
-               tree[-1].get("children")),
+    expect_eq((code, got.get("fatal"), got.get("skipped"), got.get("shortcuts"), got.get("header", {}).get(
+        "Imagedir"), got.get("rows"), [c.get("text") for c in tree], tree[-1].get("children")),
               (2, {"line": 21, "error": 9, "description": "Subscript out of range"},
-               [{"line": 17, "text": "bad|line", "reason": "wrong number of fields"}],
-               [["bmpdir", "B:\\mp"], ["k", "v"]], "B:\\mp",
-               [["1", "A\u20ac", "a.bmp", "F", "f", "a.bmp", "f"],
-                ["2", "\u00ff\u0081", "b.bmp", "D", "d", "b.bmp", "d"]],
-               ["A\u20ac", "Sub"], [{"key": "Child2", "text": "\u0178\u0081", "image": "", "children": []}]),
+               [{"line": 17, "text": "bad|line", "reason": "wrong number of fields"}], [["bmpdir", "B:\\mp"],
+               ["k", "v"]], "B:\\mp", [["1", "A\u20ac", "a.bmp", "F", "f", "a.bmp", "f"], ["2", "\u00ff\u0081",
+               "b.bmp", "D", "d", "b.bmp", "d"]], ["A\u20ac", "Sub"],
+               [{"key": "Child2", "text": "\u0178\u0081", "image": "", "children": []}]),
               "status, fatal, skipped, pairs, Imagedir, rows and tree read before a third SHORTCUT line")
 
 
@@ -233,16 +228,16 @@ def group_resave():
     write("norows.vkl", ["Sub|s.bmp|S|Sub", "Lib|l.bmp|LOS|C:\\pkg\\"])
     out = write_bytes("keep.vkl", b"old contents\r\n")
     code, _, err = run("--resave", out, "norows.vkl")
-    expect("Check before saving failed ! - Table is all empty" in err, f"check failure message, got {err!r}")
-    expect_eq((code, open(out, "rb").read()), (1, b"old contents\r\n"), "refused save")
+    expect_eq((code, "Check before saving failed ! - Table is all empty" in err, Path(out).read_bytes()),
+              (1, True, b"old contents\r\n"), f"refused save, message {err!r}")
     run("--resave", tmp("new.vkl"), "norows.vkl")
     expect(not os.path.exists(tmp("new.vkl")), "no file created by a refused save")
 
     # A read that ended the editor (a failed save: the files group's full disk).
     write("fatal.vkl", ["A|a|F|f", "SHORTCUT|a|b", "SHORTCUT|c|d", "SHORTCUT|e|f"])
     code, _, err = run("--resave", tmp("fatal.out.vkl"), "fatal.vkl")
-    expect_eq((code, os.path.exists(tmp("fatal.out.vkl"))), (2, False), "nothing saved after the editor ended")
-    expect("Run-time error '9': Subscript out of range" in err, f"error box text, got {err!r}")
+    expect_eq((code, os.path.exists(tmp("fatal.out.vkl")), "Run-time error '9': Subscript out of range" in err),
+              (2, False, True), f"nothing saved after the editor ended, message {err!r}")
 
 
 def group_bad_input():
@@ -277,8 +272,7 @@ def group_bad_input():
                           ("both.vkl", "both.vkl:65549: submenu limit reached (run-time error 6): S||S|S")]:
         expect(finding in run(name)[1], finding)
     # The editor ends there: no word about the submenu that a save would have left out.
-    expect_findings("deep.vkl", ["deep.vkl:17: indentation too deep (run-time error 6): "
-                                 "(40000 blanks)B|b|F|f",
+    expect_findings("deep.vkl", ["deep.vkl:17: indentation too deep (run-time error 6): (40000 blanks)B|b|F|f",
                                  summary("deep.vkl", 1, 1, 0, 0)], "deep indentation", code=2)
     expect("Run-time error '6': Overflow" in run("deep.vkl")[2], "deep indentation error box")
     expect_findings("nested.vkl", [summary("nested.vkl", 1, 1500, 0, 0)], "1500 nested submenus", code=0)
@@ -290,8 +284,7 @@ def group_bad_input():
 
     for name, message in [("missing.vkl", "no such file"), ("dir.vkl", "is a folder, not a menu file")]:
         for args in ([], ["--json"], ["--resave", "x.out"]):
-            code, out, err = run(*args, name)
-            expect_eq((code, out, err.strip()), (2, "", f"vklcheck: {name}: {message}"), f"{args} {name}")
+            expect_refused(name, message, *args)
     expect(not os.path.exists(tmp("x.out")), "nothing saved from a missing file")
 
 
@@ -305,8 +298,7 @@ def group_files():
     special = "is not a regular file (a FIFO, device or socket)"
     for name, message in [(fifo, special), ("/dev/zero", special), ("/dev/urandom", special),
                           (loop, "is a loop of symbolic links, not a menu file")]:
-        code, out, err = run(name)
-        expect_eq((code, out, err.strip()), (2, "", f"vklcheck: {name}: {message}"), name)
+        expect_refused(name, message)
     code, out, err = run(tmp("big.vkl"))
     expect_eq((code, out, (err.splitlines() or [""])[0]), (2, "", "Run-time error '7': Out of memory"),
               "a file larger than any menu")
@@ -318,11 +310,9 @@ def group_files():
         os.chown(owned, 1234, 2345)
         os.chmod(owned, 0o640)
         expect_eq(run("--resave", owned, menu)[0], 0, "root saves a user's file")
+        expect_saved_as(owned, reference, "a user's file saved by root")
         st = os.stat(owned)
-        saved = [ln for i, ln in enumerate(lines_of(owned)) if i != 14]
-        expect_eq((st.st_uid, st.st_gid, st.st_mode & 0o7777, saved),
-                  (1234, 2345, 0o640, [ln for i, ln in enumerate(lines_of(reference)) if i != 14]),
-                  "owner, group and mode stay")
+        expect_eq((st.st_uid, st.st_gid, st.st_mode & 0o7777), (1234, 2345, 0o640), "owner, group and mode stay")
 
     code, _, err = run("--resave", "/dev/full", menu)
     expect_eq((code, "Run-time error '61': Disk full" in err), (2, True), "a full disk")
@@ -332,16 +322,13 @@ def group_files():
 def group_language():
     out = tmp("de.vkl")
     code, _, err = run("--lang", "2", "--resave", out, data("sheetmetal.vkl"))
-    expect_eq(err.splitlines(), [
-        "Leeres Menu 'Cutouts' wird nicht abgespeichert  !",
-        "Folgende Tabellenzeilen haben leere Spalten und wurden nicht abgespeichert :", "", "2"],
-        "German messages of the writer")
+    expect_eq(err.splitlines(), ["Leeres Menu 'Cutouts' wird nicht abgespeichert  !", "Folgende Tabellenzeilen"
+                                 " haben leere Spalten und wurden nicht abgespeichert :", "", "2"], "German messages")
     expect_saved_as(out, data("sheetmetal.resaved.vkl"), "the language does not change the file")
 
     # A header too short to reach the title keeps what the window's language put there.
     write("untitled.vkl", [], header=["lib", "About"])
-    for lang, title in [("1", "Write here your own menu title !"),
-                        ("2", "Hier eigenen Menu Titel eintragen !")]:
+    for lang, title in [("1", "Write here your own menu title !"), ("2", "Hier eigenen Menu Titel eintragen !")]:
         header = run_json("--lang", lang, "untitled.vkl")[1].get("header", {})
         expect_eq((header.get("Text2"), header.get("Text3"), header.get("Combo2")),
                   (title, "About", "100"), f"header fields with --lang {lang}")
@@ -351,14 +338,11 @@ def group_usage():
     code, out, err = run("--help")
     expect(code == 0 and out.startswith(USAGE) and err == "", f"--help: {code} {out[:80]!r} {err!r}")
     write("a.vkl", ["A|a|F|f"])
-    for args, message in [
-        ([], "no menu file given"), (["a.vkl", "a.vkl"], "one menu file at a time, not 2"),
-        (["--lang", "3", "a.vkl"], "--lang takes 1 (English) or 2 (German), not '3'"),
-        (["--lang", "2", "--lang", "1", "a.vkl"], "--lang given twice"),
-        (["a.vkl", "--resave"], "--resave needs a value"),
-        (["--resave", "", "a.vkl"], "--resave needs a file name"),
-        (["--xml", "a.vkl"], "unknown option '--xml'"),
-    ]:
+    for args, message in [([], "no menu file given"), (["a.vkl", "a.vkl"], "one menu file at a time, not 2"),
+                          (["--lang", "3", "a.vkl"], "--lang takes 1 (English) or 2 (German), not '3'"),
+                          (["--lang", "2", "--lang", "1", "a.vkl"], "--lang given twice"),
+                          (["a.vkl", "--resave"], "--resave needs a value"), (["--xml", "a.vkl"],
+                          "unknown option '--xml'"), (["--resave", "", "a.vkl"], "--resave needs a file name")]:
         code, out, err = run(*args)
         expect_eq((code, out, err.splitlines()[:2]), (64, "", [f"vklcheck: {message}", USAGE]), f"usage {args}")
     write("-dash.vkl", ["A|a|F|f"])
@@ -425,8 +409,7 @@ def group_round_trip():
     for i in range(25):
         lines, rows, tree, bitmaps = random_menu(rng)
         pair = rng.choice([None, ("datadir", "D:\\d"), ("BmpDir", "E:\\b"), ("key", "val")])
-        header = list(HEADER)
-        header[1], header[5] = f"About {i}", f"Menu {i} \u00e4"
+        header = [HEADER[0], f"About {i}", *HEADER[2:5], f"Menu {i} \u00e4", *HEADER[6:]]
         name, out = f"random{i}.vkl", f"random{i}.out.vkl"
         write(name, ([f"SHORTCUT|{pair[0]}|{pair[1]}"] if pair else []) + lines, header=header)
         code, first, _ = run_json(name)
@@ -450,8 +433,7 @@ def group_round_trip():
                    first.get("shortcuts", []) + extra), f"{what}: read back after the save")
 
 
-GROUPS = {g.__name__[6:]: g for g in [group_findings, group_json, group_resave, group_bad_input,
-                                       group_language, group_usage, group_files, group_round_trip]}
+GROUPS = {name[6:]: g for name, g in list(globals().items()) if name.startswith("group_")}
 
 
 def main():
