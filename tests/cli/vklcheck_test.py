@@ -190,13 +190,16 @@ def group_json():
                         " \xff\x81|b.bmp|D|d", "SHORTCUT|k|v", "SHORTCUT|k2|v2", "After|c|F|g"])
     code, got, _ = run_json("third.vkl")
     tree = got.get("tree", {}).get("children", [{}, {}])
-    expect_eq((code, got.get("fatal"), got.get("skipped"), got.get("shortcuts"), got.get("header", {}).get(
-        "Imagedir"), got.get("rows"), [c.get("text") for c in tree], tree[-1].get("children")),
-              (2, {"line": 21, "error": 9, "description": "Subscript out of range"},
-               [{"line": 17, "text": "bad|line", "reason": "wrong number of fields"}], [["bmpdir", "B:\\mp"],
-               ["k", "v"]], "B:\\mp", [["1", "A\u20ac", "a.bmp", "F", "f", "a.bmp", "f"], ["2", "\u00ff\u0081",
-               "b.bmp", "D", "d", "b.bmp", "d"]], ["A\u20ac", "Sub"],
-               [{"key": "Child2", "text": "\u0178\u0081", "image": "", "children": []}]),
+    seen = (code, got.get("fatal"), got.get("skipped"), got.get("shortcuts"),
+            got.get("header", {}).get("Imagedir"), got.get("rows"), [c.get("text") for c in tree],
+            tree[-1].get("children"))
+    want = (2, {"line": 21, "error": 9, "description": "Subscript out of range"},
+            [{"line": 17, "text": "bad|line", "reason": "wrong number of fields"}],
+            [["bmpdir", "B:\\mp"], ["k", "v"]], "B:\\mp",
+            [["1", "A\u20ac", "a.bmp", "F", "f", "a.bmp", "f"],
+             ["2", "\u00ff\u0081", "b.bmp", "D", "d", "b.bmp", "d"]],
+            ["A\u20ac", "Sub"], [{"key": "Child2", "text": "\u0178\u0081", "image": "", "children": []}])
+    expect_eq(seen, want,
               "status, fatal, skipped, pairs, Imagedir, rows and tree read before a third SHORTCUT line")
 
 
