@@ -57,8 +57,8 @@ TEST(FileReader, HeaderTakesFourPositionsCountingDataLinesOnly) {
 TEST(FileReader, ShortcutLinesKeepTwoPairs) {
     Model m;
     m.read(menuFile({" ShortCut |DataDir|C:\\data", "SHORTCUT|bmpDIR|D:\\bmp|extra"}));
-    EXPECT_EQ(m.shortcuts.count, 2);
-    EXPECT_EQ(m.shortcuts.pairs[0], (std::array<std::string, 2>{"DataDir", "C:\\data"}));
+    EXPECT_EQ(m.shortcuts.pairs[0][0] + m.shortcuts.pairs[0][1] + std::to_string(m.shortcuts.count),
+              "DataDirC:\\data2");
     EXPECT_EQ(m.header(), "Title|About|16|16|C:\\data|D:\\bmp");
     // The writer's own form and a key with a blank are no keys; missing fields are stored empty.
     Model w;
@@ -81,11 +81,9 @@ TEST(FileReader, TableIsCutToTheAppendStartRowFirst) {
     // A missing file (or a folder): only the cut; tree, fields and pairs stay as they were.
     test::TempDir dir;
     m.shortcuts.count = 1;
-    EXPECT_FALSE(m.readFile(dir.file("absent.vkl"), 2).opened);
-    EXPECT_FALSE(m.readFile(dir.dir(), 2).opened);
-    EXPECT_EQ(m.grid.rows(), 2);
-    EXPECT_EQ(m.shape() + m.header(), "Menu0{Child3 Child4}Title|About|16|16||");
-    EXPECT_EQ(m.shortcuts.count, 1);
+    EXPECT_FALSE(m.readFile(dir.file("absent.vkl"), 2).opened | m.readFile(dir.dir(), 2).opened);
+    EXPECT_EQ(std::to_string(m.grid.rows() * 10 + m.shortcuts.count) + m.shape() + m.header(),
+              "21Menu0{Child3 Child4}Title|About|16|16||");
 }
 
 TEST(FileReader, SixteenBitLimitsRaiseOverflowAtTheLine) {
