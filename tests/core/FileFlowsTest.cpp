@@ -139,7 +139,7 @@ TEST_F(FileFlows, OpenEditorsAreTakenOverBeforeRowsGo) {
 
 TEST_F(FileFlows, SaveChecksDerivesAFlatTreeAndWrites) {
     form.saveFlow();  // the check refuses: one message, no dialog
-    EXPECT_EQ(host.saveRequests.size() * 10 + host.messages.size(), 1u);
+    EXPECT_TRUE(host.saveRequests.empty() && host.messages.size() == 1);
 
     form.Table.setRows(3);
     for (int r : {1, 2}) {
