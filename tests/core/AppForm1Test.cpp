@@ -2,6 +2,7 @@
 
 #include "app/Form1.h"
 #include "platform/Text.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 
 namespace vkl {
@@ -39,7 +40,7 @@ TEST(AppForm1Load, ColoursHeaderAndNumberColumnAndNumbersRows) {
     EXPECT_EQ(w.form.toolbar.size(), buttons);  // built anew, not appended
     // The header's first cell is made current, and colouring column 0 leaves its last row
     // current.
-    EXPECT_EQ(t.row() * 10 + t.col(), 30);
+    EXPECT_EQ(test::cellAt(t.row(), t.col()), "3,0");
 }
 
 // Every caption but the designed one of addsub differs between the languages; a switch gives

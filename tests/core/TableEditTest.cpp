@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/Form1.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 
 namespace vkl {
@@ -56,7 +57,7 @@ TEST(TableEdit, StartingAnEditReplacesOrAppendsByKey) {
     Editing e;
     EXPECT_EQ(e.start(2, 1, 'a'), 'A');
     EXPECT_EQ(e.editors(), "F 'A' 1 - 2,1");
-    EXPECT_EQ(e.form.edit.row * 10 + e.form.edit.col, 21);
+    EXPECT_EQ(test::cellAt(e.form.edit.row, e.form.edit.col), "2,1");
     EXPECT_EQ(e.node(2), "A");  // the title reaches the node as it is typed
 
     e.form.commitText();

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/Form1.h"
+#include "support/CoreSupport.h"
 #include "support/ScriptedHost.h"
 #include "table/Pickers.h"
 
@@ -93,7 +94,7 @@ TEST(TablePickers, DropOnGridWritesTheHoleTypeIntoColumnSix) {
     p.form.holeType = 3;
     p.form.tableDragDrop("Picture4", 2);
     EXPECT_EQ(p.host.boxes(), "[] drag drop\n");
-    EXPECT_EQ(p.form.Table.row() * 10 + p.form.Table.col(), 26);
+    EXPECT_EQ(test::cellAt(p.form.Table.row(), p.form.Table.col()), "2,6");
     EXPECT_EQ(p.form.Table.textMatrix(2, 6),
               "MACH_ADV_LIBRARY_COUNTERBORED_THROUGHHOLE_WITH_CHAMFER");
 
@@ -103,7 +104,7 @@ TEST(TablePickers, DropOnGridWritesTheHoleTypeIntoColumnSix) {
     p.form.holeType = 0;
     p.form.Table.setCol(1);
     p.form.tableDragDrop("Picture1", 2);  // another control only selects
-    EXPECT_EQ(p.form.Table.row() * 10 + p.form.Table.col(), 26);
+    EXPECT_EQ(test::cellAt(p.form.Table.row(), p.form.Table.col()), "2,6");
     EXPECT_EQ(p.form.Table.textMatrix(2, 6),
               "MACH_ADV_LIBRARY_COUNTERBORED_THROUGHHOLE_WITH_CHAMFER");
     EXPECT_EQ(p.host.messages.size(), 3u);

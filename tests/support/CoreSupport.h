@@ -42,6 +42,11 @@ class TempDir {
     std::filesystem::path path_;
 };
 
+// A row and column as "row,col", for comparing a current cell in one check.
+inline std::string cellAt(int row, int col) {
+    return std::to_string(row) + "," + std::to_string(col);
+}
+
 inline void writeBytes(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
