@@ -81,7 +81,8 @@ TEST(FileReader, TableIsCutToTheAppendStartRowFirst) {
     // A missing file (or a folder): only the cut; tree, fields and pairs stay as they were.
     test::TempDir dir;
     m.shortcuts.count = 1;
-    EXPECT_FALSE(m.readFile(dir.file("absent.vkl"), 2).opened | m.readFile(dir.dir(), 2).opened);
+    EXPECT_FALSE(m.readFile(dir.file("absent.vkl"), 2).opened);
+    EXPECT_FALSE(m.readFile(dir.dir(), 2).opened);
     EXPECT_EQ(std::to_string(m.grid.rows()) + " rows " + std::to_string(m.shortcuts.count) +
                   " pair " + m.shape() + m.header(),
               "2 rows 1 pair Menu0{Child3 Child4}Title|About|16|16||");

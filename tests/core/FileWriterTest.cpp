@@ -138,7 +138,7 @@ TEST_F(FileWriter, SaveReplacesTheOldFileOnlyWhenComplete) {
     fs::create_directory(dir.file("folder"));
     for (const auto& [name, error] : std::vector<std::pair<std::string, int>>{
              {"missing/menu.vkl", 76}, {"menu.vkl/menu.vkl", 76}, {"folder", 75}}) {
-        EXPECT_EQ(errorOf([&] { save(name); }), error) << name;
+        EXPECT_EQ(errorOf([&, &to = name] { save(to); }), error) << name;
     }
     EXPECT_TRUE(fs::is_directory(dir.file("folder")));
     EXPECT_EQ(readBytes(path), good);
