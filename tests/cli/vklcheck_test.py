@@ -186,15 +186,17 @@ def group_json():
     # only as the fatal error, and nothing after it is read. Item titles are upper-cased in the
     # code page (\u00ff becomes \u0178); a run-time error ends with status 2, JSON printed all
     # the same.
-    write("third.vkl", ["SHORTCUT|bmpdir|B:\\mp", "A\u20ac|a.bmp|F|f", "bad|line", "Sub||S|Sub",
-                        " \xff\x81|b.bmp|D|d", "SHORTCUT|k|v", "SHORTCUT|k2|v2", "After|c|F|g"])
+    write("third.vkl", ["SHORTCUT|bmpdir|B:\\mp", "A\u20ac|a.bmp|F|f", "bad|line", "two|bad",
+                        "Sub||S|Sub", " \xff\x81|b.bmp|D|d", "SHORTCUT|k|v", "SHORTCUT|k2|v2",
+                        "After|c|F|g"])
     code, got, _ = run_json("third.vkl")
     tree = got.get("tree", {}).get("children", [{}, {}])
     seen = (code, got.get("fatal"), got.get("skipped"), got.get("shortcuts"),
             got.get("header", {}).get("Imagedir"), got.get("rows"), [c.get("text") for c in tree],
             tree[-1].get("children"))
-    want = (2, {"line": 21, "error": 9, "description": "Subscript out of range"},
-            [{"line": 17, "text": "bad|line", "reason": "wrong number of fields"}],
+    want = (2, {"line": 22, "error": 9, "description": "Subscript out of range"},
+            [{"line": 17, "text": "bad|line", "reason": "wrong number of fields"},
+             {"line": 18, "text": "two|bad", "reason": "wrong number of fields"}],
             [["bmpdir", "B:\\mp"], ["k", "v"]], "B:\\mp",
             [["1", "A\u20ac", "a.bmp", "F", "f", "a.bmp", "f"],
              ["2", "\u00ff\u0081", "b.bmp", "D", "d", "b.bmp", "d"]],

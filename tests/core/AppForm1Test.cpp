@@ -70,6 +70,7 @@ TEST(AppForm1Texts, SwitchRewritesCaptionsHeaderAndTitleFieldsOnly) {
         EXPECT_EQ(f.Text2.text + f.Text3.text, en.form.Text2.text + en.form.Text3.text);
     }
     EXPECT_EQ(w.headerRow(), en.headerRow());
+    EXPECT_EQ(en.headerRow(), "Nr|Menu Title|Bmp file|C|Command Parameter|||");
     for (auto field : fields) {
         EXPECT_EQ(f.captions.*field, en.form.captions.*field);
     }

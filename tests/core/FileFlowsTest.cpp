@@ -99,8 +99,11 @@ TEST_F(FileFlows, AppendQuestionDecidesBetweenAppendAndOverwrite) {
 
     // No overwrites and numbers the folders from 1 again; German asks in German.
     form.languageCode = 2;
+    host.messages.clear();
     open(example, Answer::No);
-    EXPECT_EQ(host.messages[1].title, "Daten einfuegen ?");
+    EXPECT_EQ(host.boxes(),
+              "[Daten einfuegen ?] Tabelle beinhaltet Daten !\rMoechten Sie neue Daten hinten "
+              "einfuegen ?  {yes/no ? no-first}\n");
     EXPECT_EQ(rowsAndShape(), "4 Menu0{Menu1{Child1 Child2} Child3}");
 }
 
