@@ -72,11 +72,12 @@ class Form1 {
     // A toolbar button or pop-up menu takes the focus: an open editor is taken over first,
     // as when it loses the focus.
     void commitEditors();
-    void combo1Click(const std::string& text);  // commit drop-down (also on losing focus)
-    void combo1Cancel();                        // Escape: the drop-down hides, nothing is written
-    void tableMouseDown(int button);            // repeat code; clear selection
-    void tableClick();                          // toggle mark; package path check
-    void tableDblClick();                       // pick for cell
+    void combo1Click(const std::string& text);   // commit drop-down (also on losing focus)
+    void combo1Cancel();                         // Escape: the drop-down hides, nothing is written
+    void combo1Browse(const std::string& text);  // the arrows moved in the list: shown, not written
+    void tableMouseDown(int button);             // repeat code; clear selection
+    void tableClick();                           // toggle mark; package path check
+    void tableDblClick();                        // pick for cell
     void tableDragDrop(const std::string& sourceName, int targetRow);
 
     // ---- Tree ----------------------------------------------------------------------------

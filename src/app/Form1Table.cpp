@@ -119,6 +119,10 @@ void Form1::text1Cancel() {
     edit.labelBefore.reset();
 }
 
+void Form1::combo1Browse(const std::string& text) {
+    Combo1.text = text;
+}
+
 void Form1::combo1Cancel() {
     Combo1.visible = false;
 }

@@ -968,7 +968,7 @@ bool MainWindow::combo1Key(QKeyEvent* event) {
             to = std::clamp(to, 0, std::max(last, 0));
             if (last >= 0 && to != at) {
                 combo1_->setCurrentIndex(to);
-                form_.Combo1.text = toCp1252(combo1_->itemText(to));
+                form_.combo1Browse(toCp1252(combo1_->itemText(to)));
             }
             return true;
         }
