@@ -8,6 +8,7 @@
 
 #include "platform/Grid.h"
 #include "platform/TreeNodes.h"
+#include "platform/VectorState.h"
 
 // Generated menu files for the benchmarks: deterministic, so every run measures the same bytes.
 namespace vkl::bench {
@@ -25,6 +26,12 @@ std::string generateMenu(const MenuShape& shape = {});
 
 // Writes the generated menu to path, replacing what is there.
 void writeMenu(const std::string& path, const MenuShape& shape = {});
+
+// Every benchmark starts as the editor's handlers do, with the vector registers' upper halves
+// cleared: the window benchmarks run before it may have left them in use.
+inline void startClean(const benchmark::State&) {
+    clearUpperVectorHalves();
+}
 
 // A path for a benchmark file in the temporary folder, distinct per process.
 std::string benchPath(const std::string& name);

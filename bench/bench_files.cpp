@@ -68,7 +68,7 @@ void BM_RawLineScan(benchmark::State& state) {
     }
     state.SetBytesProcessed(bytes);
 }
-BENCHMARK(BM_RawLineScan)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RawLineScan)->Unit(benchmark::kMillisecond)->Setup(bench::startClean);
 
 void BM_ReadMenuFile(benchmark::State& state) {
     // Opened again and again in one editor, as a user opens one menu after another: each read
@@ -80,7 +80,7 @@ void BM_ReadMenuFile(benchmark::State& state) {
     }
     state.counters["rows"] = s.grid.rows() - 1;
 }
-BENCHMARK(BM_ReadMenuFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReadMenuFile)->Unit(benchmark::kMillisecond)->Setup(bench::startClean);
 
 // The menu loaded once, and the lines the writer makes of it.
 struct Written {
@@ -124,7 +124,7 @@ void BM_RawLineWrite(benchmark::State& state) {
     }
     state.counters["lines"] = static_cast<double>(w.lines.size());
 }
-BENCHMARK(BM_RawLineWrite)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RawLineWrite)->Unit(benchmark::kMillisecond)->Setup(bench::startClean);
 
 void BM_WriteMenuFile(benchmark::State& state) {
     Written& w = written();
@@ -132,6 +132,6 @@ void BM_WriteMenuFile(benchmark::State& state) {
         w.save();
     }
 }
-BENCHMARK(BM_WriteMenuFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_WriteMenuFile)->Unit(benchmark::kMillisecond)->Setup(bench::startClean);
 
 }  // namespace

@@ -42,6 +42,6 @@ void BM_DeleteMarkedLines(benchmark::State& state) {
         state.SkipWithError("the delete left the wrong lines");
     }
 }
-BENCHMARK(BM_DeleteMarkedLines)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DeleteMarkedLines)->Unit(benchmark::kMillisecond)->Setup(vkl::bench::startClean);
 
 }  // namespace

@@ -76,6 +76,6 @@ void BM_RemoveChildrenOnly(benchmark::State& state) {
         state.SkipWithError("the removal left the wrong lines");
     }
 }
-BENCHMARK(BM_RemoveChildrenOnly)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RemoveChildrenOnly)->Unit(benchmark::kMillisecond)->Setup(vkl::bench::startClean);
 
 }  // namespace

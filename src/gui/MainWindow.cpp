@@ -39,6 +39,7 @@
 #include "gui/Views.h"
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
+#include "platform/VectorState.h"
 
 namespace vkl::gui {
 
@@ -782,6 +783,7 @@ bool MainWindow::run(const std::function<void()>& handler) {
         ~NoAutoScroll() { view->setAutoScroll(was); }
     };
     const NoAutoScroll still(table_);
+    clearUpperVectorHalves();
     try {
         Depth depth(handlerDepth_);
         handler();
