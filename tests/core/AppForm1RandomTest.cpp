@@ -13,7 +13,6 @@
 #include "platform/NodeKeys.h"
 #include "platform/Text.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 
 namespace vkl {
 namespace {

@@ -3,7 +3,6 @@
 #include "app/Form1.h"
 #include "platform/Text.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 
 namespace vkl {
 namespace {

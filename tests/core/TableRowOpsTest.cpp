@@ -9,7 +9,6 @@
 #include "platform/NodeKeys.h"
 #include "platform/RuntimeError.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 #include "table/RowOps.h"
 
 namespace vkl {

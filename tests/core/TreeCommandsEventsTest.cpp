@@ -12,7 +12,6 @@
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 #include "table/RowOps.h"
 
 namespace vkl {

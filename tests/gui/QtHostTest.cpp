@@ -5,7 +5,6 @@
 
 #include "gui/QtHost.h"
 #include "platform/Files.h"
-#include "platform/RuntimeError.h"
 #include "support/ScriptedHost.h"
 
 using vkl::Answer;
@@ -99,21 +98,11 @@ class QtHostTest : public QObject {
         QCOMPARE(size.width, 37);
         QCOMPARE(size.height, 21);
 
-        const QString text = dir.filePath(QStringLiteral("notes.bmp"));
-        QFile file(text);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("this is no picture at all\n");
-        file.close();
-        const auto refusal = [&](const QString& file) {
-            try {
-                host.loadPicture(file.toStdString());
-            } catch (const vkl::RuntimeError& e) {
-                return e.number();
-            }
-            return 0;
-        };
-        QCOMPARE(refusal(text), 481);
-        QCOMPARE(refusal(dir.filePath(QStringLiteral("missing.bmp"))), 53);
+        const std::string text = dir.filePath(QStringLiteral("notes.bmp")).toStdString();
+        vkl::test::writeBytes(text, "this is no picture at all\n");
+        QCOMPARE(vkl::test::errorOf([&] { host.loadPicture(text); }), 481);
+        const std::string missing = dir.filePath(QStringLiteral("missing.bmp")).toStdString();
+        QCOMPARE(vkl::test::errorOf([&] { host.loadPicture(missing); }), 53);
     }
 
     void popupMenuReturnsTheChosenEntry() {

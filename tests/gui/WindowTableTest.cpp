@@ -162,8 +162,8 @@ class WindowTableTest : public QObject, window_test::WindowCase {
         const std::string out = own.path("made.vkl");
         own.host.saveAnswers.push_back(ScriptedHost::pick(out));
         QVERIFY(own.clickTool("save"));
-        const QByteArray saved = window_test::readAll(out);
-        QVERIFY(saved.endsWith("\r\n11\r\nDrill||F|Make_hole\r\nTap||F|Tap_hole\r\n"));
+        QVERIFY(vkl::test::readBytes(out).ends_with(
+            "\r\n11\r\nDrill||F|Make_hole\r\nTap||F|Tap_hole\r\n"));
         QTreeView* tree = own.tree();
         QCOMPARE(tree->model()->rowCount(), 1);
         QVERIFY(tree->isExpanded(own.node("Menu0")));

@@ -181,9 +181,4 @@ inline QString shownText(QWidget& window, const char* name) {
     return QStringLiteral("<no control %1>").arg(n);
 }
 
-inline QByteArray readAll(const std::string& file) {
-    QFile f(QString::fromStdString(file));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 }  // namespace window_test
