@@ -1,14 +1,15 @@
 // The file services on Windows (FilesWindows.cpp); the POSIX ones have PlatformFilesTest.cpp.
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "platform/Files.h"
 #include "support/CoreSupport.h"
+
+// After the support headers: its macros (MessageBox among them) would rename their names.
+#include <windows.h>
 
 namespace vkl {
 namespace {
