@@ -138,18 +138,12 @@ class WindowTreeTest : public QObject, window_test::WindowCase {
 
         // An item's new label is written, as typed, into its line's title.
         editLabel("Child4", true, "very fine");
-        if (QTest::currentTestFailed()) {
-            return;
-        }
         QCOMPARE(w->cellText(4, 1), QStringLiteral("very fine"));
         QCOMPARE(w->node("Child4").data().toString(), QStringLiteral("very fine"));
         QCOMPARE(w->cellText(3, 1), QStringLiteral("Metric"));
 
         // A folder's label changes the tree only.
         editLabel("Menu3", false, "Grooves");
-        if (QTest::currentTestFailed()) {
-            return;
-        }
         QCOMPARE(w->node("Menu3").data().toString(), QStringLiteral("Grooves"));
 
         // The window goes while an editor is still open: the editor commits as it closes, and the
