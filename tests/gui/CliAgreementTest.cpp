@@ -72,15 +72,10 @@ class RandomMenu {
             // Mostly the same level or one step; now and then several levels deeper at once, or
             // back to the top.
             const int roll = pick(10);
-            if (roll == 4 || roll == 5) {
-                depth += 1;
-            } else if (roll == 6) {
-                depth += 2 + pick(3);
-            } else if (roll == 7 || roll == 8) {
-                depth = std::max(0, depth - 1 - pick(2));
-            } else if (roll == 9) {
-                depth = 0;
-            }
+            depth = roll == 9   ? 0
+                    : roll >= 7 ? std::max(0, depth - 1 - pick(2))
+                    : roll == 6 ? depth + 2 + pick(3)
+                                : depth + (roll >= 4 ? 1 : 0);
             depth = std::min(depth, 12);
             const std::string blanks(static_cast<size_t>(depth), ' ');
             const int kind = pick(20);
