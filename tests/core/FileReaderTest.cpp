@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <random>
 
 #include "support/CoreSupport.h"
 
@@ -140,16 +139,14 @@ TEST(FileReader, LinesEndAtCrLfLfOrLoneCrAlsoAcrossBlocks) {
 // anywhere (also in the last byte): the lines kept and their titles are those a plain split
 // at every "|" gives.
 TEST(FileReader, FieldsOfLinesOfEveryLengthAreThoseOfAPlainSplit) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
+    test::Random random;
     std::vector<std::string> body;
     std::string titles;
     for (size_t length = 1; length <= 140; ++length) {
         for (int variant = 0; variant < 8; ++variant) {
             std::string line(length, 'a');
             for (char& c : line) {
-                c = "ab|F"[rng() % 4];
+                c = "ab|F"[random.below(4)];
             }
             line.front() = 'T';
             line.back() = variant % 2 == 0 ? '|' : 'z';

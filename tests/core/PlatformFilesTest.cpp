@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -242,9 +241,7 @@ TEST(Files, AFailedOrKilledSaveLeavesOldOrNewBytes) {
         fs::remove(dir.file("twin.vkl"));
     }
 
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
+    test::Random random;
     writeBytes(target, old);
     for (int run = 0; run < 12; ++run) {
         const pid_t pid = ::fork();
@@ -254,7 +251,7 @@ TEST(Files, AFailedOrKilledSaveLeavesOldOrNewBytes) {
                 save(target, old);
             }
         }
-        ::usleep(static_cast<useconds_t>(rng() % 20'000));
+        ::usleep(static_cast<useconds_t>(random.below(20'000)));
         ::kill(pid, SIGKILL);
         ::waitpid(pid, nullptr, 0);
         const std::string now = readBytes(target);

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,15 @@ class TempDir {
 
   private:
     std::filesystem::path path_;
+};
+
+// A random source seeded anew for each run; a failure names the seed.
+struct Random {
+    unsigned seed = std::random_device{}();
+    ::testing::ScopedTrace trace{__FILE__, __LINE__, "seed " + std::to_string(seed)};
+    std::mt19937 rng{seed};
+    // From 0 to n - 1; 0 when n is not above 0.
+    int below(int n) { return n <= 0 ? 0 : static_cast<int>(rng() % static_cast<unsigned>(n)); }
 };
 
 // A row and column as "row,col", for comparing a current cell in one check.
