@@ -99,6 +99,14 @@ struct Window {
     Form1 form;
 };
 
+// Every caption of the form.
+inline std::string Captions::*const kCaptions[] = {
+    &Captions::label1,        &Captions::label2,      &Captions::label3,    &Captions::label4,
+    &Captions::askDatadir,    &Captions::askImagedir, &Captions::expand,    &Captions::colapse,
+    &Captions::onlymenus,     &Captions::quit,        &Captions::addsub,    &Captions::addabove1,
+    &Captions::remove1,       &Captions::addabove2,   &Captions::addbelow2, &Captions::remove2,
+    &Captions::removechilden, &Captions::addimage};
+
 // The outline of n items titled T1 to Tn.
 std::vector<std::string> items(int n);
 
