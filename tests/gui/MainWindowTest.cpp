@@ -169,13 +169,6 @@ class MainWindowTest : public QObject, window_test::WindowCase {
     void treePressesReachTheForm() {
         QWidget* viewport = w->tree()->viewport();
 
-        // The right button opens the menu of the node's kind, found by the press position.
-        for (const char* key : {"Menu0", "Child7", "Menu1"}) {
-            QTest::mouseClick(viewport, Qt::RightButton, {}, w->nodeCentre(key));
-        }
-        QCOMPARE(w->host.popups, (std::vector<std::string>{"Menu1", "Menu2", "menu3"}));
-        QCOMPARE(w->form.treeEvents.currentNodeKey, std::string("Menu1"));
-
         // Folding a folder and moving the current node in the view reach the form.
         w->tree()->collapse(w->node("Menu1"));
         QVERIFY(!w->form.Treeview.expanded(w->form.Treeview.byKey("Menu1")));
