@@ -47,8 +47,8 @@ struct Editing : test::Window {
         const std::string box =
             !t.visible ? (t.hasFocus ? "-F" : "-")
                        : (t.hasFocus ? "F '" : "T '") + t.text + "' " + std::to_string(t.selStart);
-        return box + (form.Combo1.visible ? " C " : " - ") + std::to_string(form.Table.row()) +
-               "," + std::to_string(form.Table.col());
+        return box + (form.Combo1.visible ? " C " : " - ") +
+               test::cellAt(form.Table.row(), form.Table.col());
     }
 };
 
