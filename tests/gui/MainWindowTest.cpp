@@ -125,23 +125,14 @@ class MainWindowTest : public QObject, window_test::WindowCase {
         QMimeData data;
         data.setData(QStringLiteral("application/x-vkl-control"), QByteArray("Picture4"));
         const QPoint at = w->cellCentre(4, 2);
-        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &enter);
-        QVERIFY(enter.isAccepted());
-        QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &move);
-        QVERIFY(move.isAccepted());
-        QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &drop);
+        QVERIFY(dragOver(viewport, at, data, Qt::CopyAction, true));
         QCOMPARE(w->host.lastPrompt(), std::string("drag drop"));
         QCOMPARE(w->form.Table.textMatrix(4, 6), std::string("MACH_ADV_LIBRARY_BLINDHOLE"));
         QCOMPARE(w->form.Table.row(), 4);
 
         // Below the last line there is nothing to drop on.
         const QPoint below(at.x(), w->table()->visualRect(w->cell(7, 2)).bottom() + 30);
-        QDragMoveEvent outside(below, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &outside);
-        QVERIFY(!outside.isAccepted());
+        QVERIFY(!dragOver(viewport, below, data, Qt::CopyAction));
     }
 
     void fieldsAndPreviewFollowTheForm() {

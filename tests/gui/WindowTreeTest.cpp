@@ -30,18 +30,10 @@ struct TreeDrag {
 
     // Passes over a point of the tree's viewport; true when the view would take a drop there.
     bool over(QPoint at) {
-        QWidget* viewport = w.tree()->viewport();
-        QDragEnterEvent enter(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &enter);
-        QDragMoveEvent move(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &move);
-        return move.isAccepted();
+        return window_test::dragOver(w.tree()->viewport(), at, data, Qt::MoveAction);
     }
-
     void dropOn(QPoint at) {
-        over(at);
-        QDropEvent drop(at, Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(w.tree()->viewport(), &drop);
+        window_test::dragOver(w.tree()->viewport(), at, data, Qt::MoveAction, true);
     }
 };
 
