@@ -191,8 +191,7 @@ TEST(AppForm1Random, HandlersKeepTableAndTreeTogether) {
             [&] { f.treeviewAfterLabelEdit(below(2) == 0 ? "" : "Label"); },
             [&] {
                 f.tableDragDrop(below(2) == 0 ? "Picture1" : "Picture2", below(f.Table.rows() + 1));
-            },
-        };
+            }};
         std::string trail;  // what the run did, for the failure message
         for (int step = 0; step < 150; ++step) {
             // Opening a file and typing on the grid come twice as often as the others.

@@ -216,8 +216,7 @@ class CliAgreementTest : public QObject {
         }
         QVERIFY2(!w.window.ended(), w.host.messages.empty() ? "" : w.host.lastPrompt().c_str());
 
-        QStringList cliShows;
-        QStringList windowShows;
+        QStringList cliShows, windowShows;
         for (const char* name : {"Text2", "Text3", "Combo2", "Combo3", "Datadir", "Imagedir"}) {
             cliShows << json[QLatin1String("header")][QLatin1String(name)].toString();
             windowShows << window_test::shownText(w.window, name);

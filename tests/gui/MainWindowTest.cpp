@@ -24,8 +24,7 @@ void expectCaptionsOfTheForm(Window& e) {
         "Expand",  "Colapse",   "onlymenus", "Quit",    "addsub",        "addabove1",
         "remove1", "addabove2", "addbelow2", "remove2", "removechilden", "addimage"};
     static_assert(std::size(vkl::test::kCaptions) == std::size(names));
-    QStringList held;
-    QStringList seen;
+    QStringList held, seen;
     for (size_t i = 0; i < std::size(names); ++i) {
         held << utf8(e.form.captions.*vkl::test::kCaptions[i]);
         seen << shownText(e.window, names[i]);

@@ -46,12 +46,11 @@ class QtHostTest : public QObject {
     void messageBoxesHaveTheirButtonsTitleAndIcon() {
         QtHost host;
         QString seen;
-        vkl::MessageBox quit;
-        quit.prompt = "Changes not saved! Do you really want to quit !";
-        quit.title = "Confirm Quit";
-        quit.buttons = vkl::Buttons::YesNo;
-        quit.questionIcon = true;
-        quit.defaultNo = true;
+        const vkl::MessageBox quit{.prompt = "Changes not saved! Do you really want to quit !",
+                                   .title = "Confirm Quit",
+                                   .buttons = vkl::Buttons::YesNo,
+                                   .questionIcon = true,
+                                   .defaultNo = true};
         QCOMPARE(answerBox(host, quit, QMessageBox::Yes, seen), Answer::Yes);
         // (Icon 4 is the question mark, 0 none.)
         QCOMPARE(seen, QStringLiteral("Confirm Quit|4|No,Yes|No|") + quit.prompt.c_str());
