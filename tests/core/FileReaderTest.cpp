@@ -92,10 +92,8 @@ TEST(FileReader, SixteenBitLimitsRaiseOverflowAtTheLine) {
     Recorder rec;
     m.grid.setRows(32767);
     // Rows 32,766 and 32,767 fit; the line needing row 32,768 raises error 6.
-    EXPECT_EQ(errorOf([&] {
-                  m.read(menuFile({"A|a|F|f", "B|b|F|g", "C|c|F|h"}), 32766, &rec);
-              }),
-              6);
+    const std::string three = menuFile({"A|a|F|f", "B|b|F|g", "C|c|F|h"});
+    EXPECT_EQ(errorOf([&] { m.read(three, 32766, &rec); }), 6);
     EXPECT_EQ(m.rows(32767), "32767|B|b|F|g|b|g\n");
     EXPECT_TRUE(rec.events.ends_with("error 6@16:C|c|F|h\n")) << rec.events;
     // Depth is 1 + leading blanks: 32,766 blanks fit, 32,767 overflow even on a blank line.

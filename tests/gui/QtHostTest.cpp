@@ -94,8 +94,7 @@ class QtHostTest : public QObject {
         const std::string bmp = dir.filePath(QStringLiteral("Menu Bild.bmp")).toStdString();
         vkl::test::writeBmp(bmp, 37, 21);
         const vkl::PictureSize size = host.loadPicture(bmp);
-        QCOMPARE(size.width, 37);
-        QCOMPARE(size.height, 21);
+        QCOMPARE(std::pair(size.width, size.height), std::pair(37, 21));
 
         const std::string text = dir.filePath(QStringLiteral("notes.bmp")).toStdString();
         vkl::test::writeBytes(text, "this is no picture at all\n");
