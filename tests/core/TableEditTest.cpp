@@ -8,15 +8,15 @@
 namespace vkl {
 namespace {
 
-// A window with three lines and their nodes, labelled "T"; the editors start hidden as after load.
+// A window with three lines and their nodes, labelled "T" unlike the cells; the editors start
+// hidden as after load.
 struct Editing : test::Window {
     Editing() : test::Window(test::items(3)) {
         form.Text1.visible = false;
         form.Combo1.visible = false;
         for (int r = 1; r <= 3; ++r) {
             form.Table.setTextMatrix(r, 4, std::string("param ") + std::to_string(r));
-            form.Treeview.setText(test::Window::node("Child" + std::to_string(r)),
-                                  "T");  // unlike the cell
+            form.Treeview.setText(test::Window::node("Child" + std::to_string(r)), "T");
         }
     }
     // A key typed on the grid at (row, col).

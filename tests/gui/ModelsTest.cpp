@@ -68,9 +68,7 @@ class ModelsTest : public QObject {
         QCOMPARE(model.headerData(1, Qt::Horizontal).toString(), QStringLiteral("Menu Title"));
 
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-        grid.setTextMatrix(2, 4,
-                           std::string("M\xfc"
-                                       "ller \x80"));
+        grid.setTextMatrix(2, 4, "M\xfcller \x80");
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed.at(0).at(0).toModelIndex(), model.index(1, 4));
         QCOMPARE(model.index(1, 4).data().toString(), QString::fromUtf8("Müller €"));
