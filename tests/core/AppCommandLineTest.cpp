@@ -35,8 +35,7 @@ TEST(AppCommandLine, ThreeFieldsGiveInstallDirAndLanguageAndNothingElseDoes) {
         {"a|b|", "error 13"},
         {"||", "error 13"},
         {"a|b|70000", "error 6"},
-        {"a|b|-32769", "error 6"},
-    };
+        {"a|b|-32769", "error 6"}};
     for (const auto& [raw, result] : cases) {
         EXPECT_EQ(parsed(raw), result) << raw;
     }
@@ -60,8 +59,7 @@ TEST(AppCommandLine, WindowsLineLosesOnlyTheProgramName) {
         {R"("C:\a b\vkleditor.exe"x|y|1)", "x|y|1"},
         {R"("C:\unclosed quote a|b|1)", ""},
         {"vkleditor.exe", ""},
-        {"", ""},
-    };
+        {"", ""}};
     for (const auto& [raw, rest] : cases) {
         EXPECT_EQ(afterProgramName(raw), rest) << raw;
     }

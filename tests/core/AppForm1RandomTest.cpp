@@ -13,7 +13,6 @@
 #include "platform/NodeKeys.h"
 #include "platform/Text.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 
 namespace vkl {
 namespace {
@@ -112,20 +111,16 @@ std::string randomMenu(std::mt19937& rng) {
 TEST(AppForm1Random, HandlersKeepTableAndTreeTogether) {
     const char* runsSetting = std::getenv("VKL_RANDOM_RUNS");
     const int runs = runsSetting != nullptr ? std::atoi(runsSetting) : 60;
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
-    auto below = [&](int n) {
-        return n <= 0 ? 0 : static_cast<int>(rng() % static_cast<unsigned>(n));
-    };
+    test::Random random;
+    const auto below = [&](int n) { return random.below(n); };
     test::TempDir dir;
     int ended = 0;
     for (int run = 0; run < runs; ++run) {
-        RandomHost host(rng);
+        RandomHost host(random.rng);
         host.temp = dir.dir();
         for (int k = 0; k < 3; ++k) {
             const std::string menu = dir.file("menu" + std::to_string(k) + ".vkl");
-            test::writeBytes(menu, randomMenu(rng));
+            test::writeBytes(menu, randomMenu(random.rng));
             host.files.push_back(menu);
         }
         test::writeBmp(dir.file("b1.bmp"), 8, 8);
@@ -196,8 +191,7 @@ TEST(AppForm1Random, HandlersKeepTableAndTreeTogether) {
             [&] { f.treeviewAfterLabelEdit(below(2) == 0 ? "" : "Label"); },
             [&] {
                 f.tableDragDrop(below(2) == 0 ? "Picture1" : "Picture2", below(f.Table.rows() + 1));
-            },
-        };
+            }};
         std::string trail;  // what the run did, for the failure message
         for (int step = 0; step < 150; ++step) {
             // Opening a file and typing on the grid come twice as often as the others.

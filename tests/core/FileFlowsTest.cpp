@@ -6,7 +6,6 @@
 #include "app/Form1.h"
 #include "menufile/Format.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 
 namespace vkl {
 namespace {

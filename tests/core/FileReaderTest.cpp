@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <random>
 
 #include "support/CoreSupport.h"
 
@@ -93,10 +92,8 @@ TEST(FileReader, SixteenBitLimitsRaiseOverflowAtTheLine) {
     Recorder rec;
     m.grid.setRows(32767);
     // Rows 32,766 and 32,767 fit; the line needing row 32,768 raises error 6.
-    EXPECT_EQ(errorOf([&] {
-                  m.read(menuFile({"A|a|F|f", "B|b|F|g", "C|c|F|h"}), 32766, &rec);
-              }),
-              6);
+    const std::string three = menuFile({"A|a|F|f", "B|b|F|g", "C|c|F|h"});
+    EXPECT_EQ(errorOf([&] { m.read(three, 32766, &rec); }), 6);
     EXPECT_EQ(m.rows(32767), "32767|B|b|F|g|b|g\n");
     EXPECT_TRUE(rec.events.ends_with("error 6@16:C|c|F|h\n")) << rec.events;
     // Depth is 1 + leading blanks: 32,766 blanks fit, 32,767 overflow even on a blank line.
@@ -140,16 +137,14 @@ TEST(FileReader, LinesEndAtCrLfLfOrLoneCrAlsoAcrossBlocks) {
 // anywhere (also in the last byte): the lines kept and their titles are those a plain split
 // at every "|" gives.
 TEST(FileReader, FieldsOfLinesOfEveryLengthAreThoseOfAPlainSplit) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
+    test::Random random;
     std::vector<std::string> body;
     std::string titles;
     for (size_t length = 1; length <= 140; ++length) {
         for (int variant = 0; variant < 8; ++variant) {
             std::string line(length, 'a');
             for (char& c : line) {
-                c = "ab|F"[rng() % 4];
+                c = "ab|F"[random.below(4)];
             }
             line.front() = 'T';
             line.back() = variant % 2 == 0 ? '|' : 'z';

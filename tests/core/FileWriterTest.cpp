@@ -4,7 +4,6 @@
 
 #include "menufile/Writer.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 
 namespace vkl {
 namespace {

@@ -1,18 +1,26 @@
+// The file services of both platforms (FilesPosix.cpp, FilesWindows.cpp): what they share is
+// checked alike, what they do their own way in a section per platform.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <string>
+#include <vector>
 
+#include "platform/Files.h"
+#include "support/CoreSupport.h"
+
+// After the support headers: windows.h's macros (MessageBox among them) would rename their names.
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <csignal>
 
-#include "platform/Files.h"
-#include "support/CoreSupport.h"
+#include <csignal>
+#include <cstdlib>
+#endif
 
 namespace vkl {
 namespace {
@@ -27,6 +35,133 @@ void save(const std::string& path, const std::string& bytes) {
     w.write(bytes);
     w.commit();
 }
+
+// What kind of file a name is; the messages for each: vklcheck's files and bad_input groups.
+TEST(Files, OnlyRegularFilesAreReadAndOnlyWithinBounds) {
+    test::TempDir dir;
+#ifdef _WIN32
+    const std::string device = "NUL";
+#else
+    const std::string device = "/dev/zero";
+    const std::string fifo = dir.file("fifo.vkl");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(errorOf([&] { files::openForReading(fifo); }), 75);  // at once, no writer needed
+#endif
+    EXPECT_EQ(files::kindOf(dir.dir()), files::Kind::folder);
+    EXPECT_EQ(files::kindOf(device), files::Kind::other);
+    EXPECT_EQ(files::kindOf(dir.file("absent")), files::Kind::missing);
+    EXPECT_EQ(errorOf([&] { files::openForReading(device); }), 75);
+    EXPECT_EQ(errorOf([&] { files::openForReading(dir.dir()); }), 75);
+    EXPECT_EQ(errorOf([&] { files::openForReading(dir.file("absent")); }), 53);
+    const std::string big = dir.file("big.vkl");
+    writeBytes(big, std::string(101, 'x'));
+    EXPECT_EQ(errorOf([&] { files::openForReading(big, 100); }), 7);
+    EXPECT_TRUE(files::openForReading(big, 101));
+}
+
+TEST(Files, SmallFilesAreWrittenInPlaceAndNeverThroughALink) {
+    test::TempDir dir;
+    const std::string name = dir.file("ZOVDEF2.txt");
+    files::overwriteSmallFile(name, "a longer first line\r\n");
+    files::overwriteSmallFile(name, "short\r\n");
+    EXPECT_EQ(readBytes(name), "short\r\n");
+    EXPECT_EQ(errorOf([&] { files::overwriteSmallFile(dir.dir(), "x"); }), 75);
+#ifndef _WIN32  // Windows: links need rights a user seldom has
+    const std::string secret = dir.file("secret");
+    writeBytes(secret, "private");
+    fs::remove(name);
+    fs::create_symlink(secret, name);
+    EXPECT_EQ(errorOf([&] { files::overwriteSmallFile(name, "x\r\n"); }), 75);
+    EXPECT_EQ(readBytes(secret), "private");
+#endif
+}
+
+#ifdef _WIN32
+
+std::string readAll(const std::string& name) {
+    files::File f = files::openForReading(name);
+    std::string bytes;
+    char buffer[4096];
+    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, f.get())) > 0;) {
+        bytes.append(buffer, n);
+    }
+    return bytes;
+}
+
+std::vector<std::string> namesIn(const test::TempDir& dir) {
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(files::nativePath(dir.dir()))) {
+        const std::u8string n = e.path().filename().u8string();
+        names.emplace_back(n.begin(), n.end());
+    }
+    return names;
+}
+
+// Names in UTF-8 reach the system as UTF-16, and bytes pass as they are: CR LF, a lone CR and
+// CTRL-Z (the end of a file in the C runtime's text mode) are data.
+TEST(FilesWindows, NamesAreUnicodeAndBytesAreBinary) {
+    test::TempDir dir;
+    const std::string name = dir.dir() + "M\xC3\xA4rz \xE2\x82\xAC.vkl";  // "März €.vkl"
+    const std::string bytes =
+        "a\r\nb\rc\x1A"
+        "d\n\x1A";
+    save(name, bytes);
+    EXPECT_EQ(readAll(name), bytes);
+    EXPECT_EQ(namesIn(dir), std::vector<std::string>{"M\xC3\xA4rz \xE2\x82\xAC.vkl"});
+    EXPECT_EQ(files::kindOf(name), files::Kind::regular);
+    EXPECT_EQ(files::nativePath(name).filename().wstring(), L"M\u00e4rz \u20ac.vkl");
+}
+
+// A save replaces the whole file or nothing: a writer dropped before commit, a read-only file,
+// a folder and a missing folder leave what was there and no file beside it.
+TEST(FilesWindows, SavingReplacesTheWholeFileOrNothing) {
+    test::TempDir dir;
+    const std::string target = dir.file("menu.vkl");
+    writeBytes(target, std::string(5000, 'o'));
+    save(target, "new");
+    EXPECT_EQ(readBytes(target), "new");
+    // Other names of the file see the new bytes too.
+    const std::wstring twin = files::nativePath(dir.file("twin.vkl")).wstring();
+    ASSERT_TRUE(CreateHardLinkW(twin.c_str(), files::nativePath(target).c_str(), nullptr));
+    save(target, "newer");
+    EXPECT_EQ(readBytes(dir.file("twin.vkl")), "newer");
+    ASSERT_TRUE(DeleteFileW(twin.c_str()));
+    save(target, "new");
+    {
+        files::SafeWriter dropped(target);
+        dropped.write("half");
+    }
+    EXPECT_EQ(readBytes(target), "new");
+
+    const std::wstring wide = files::nativePath(target).wstring();
+    SetFileAttributesW(wide.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(errorOf([&] { save(target, "refused"); }), 75);
+    SetFileAttributesW(wide.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(errorOf([&] { save(dir.dir(), "x"); }), 75);
+    EXPECT_EQ(errorOf([&] { save(dir.file("no\\such.vkl"), "x"); }), 76);
+    EXPECT_EQ(readBytes(target), "new");
+    EXPECT_EQ(namesIn(dir), std::vector<std::string>{"menu.vkl"});
+}
+
+TEST(FilesWindows, UserFoldersAndTheInstanceLock) {
+    for (const std::string& folder : {files::userRuntimeFolder(), files::userStateFolder()}) {
+        ASSERT_FALSE(folder.empty());
+        EXPECT_EQ(folder.back(), '\\');
+        EXPECT_EQ(files::kindOf(folder), files::Kind::folder);
+    }
+
+    const std::string lock = files::userRuntimeFolder() + "vkleditor-test.lock";
+    {
+        files::InstanceLock first(lock);
+        EXPECT_TRUE(first.acquire());
+        EXPECT_TRUE(first.acquire());
+        EXPECT_FALSE(files::InstanceLock(lock).acquire());
+        EXPECT_TRUE(files::InstanceLock(lock + "2").acquire());
+    }
+    EXPECT_TRUE(files::InstanceLock(lock).acquire());  // gone with its holder
+}
+
+#else
 
 // Names in the folder other than the ones given: what a save left behind.
 std::vector<std::string> strays(const test::TempDir& dir, std::vector<std::string> known) {
@@ -51,21 +186,6 @@ int inChild(F f) {
     int status = 0;
     ::waitpid(pid, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-// What kind of file a name is: vklcheck's files and bad_input groups.
-TEST(Files, OnlyRegularFilesAreReadAndOnlyWithinBounds) {
-    test::TempDir dir;
-    const std::string fifo = dir.file("fifo.vkl");
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    EXPECT_EQ(errorOf([&] { files::openForReading(fifo); }), 75);  // at once, no writer needed
-    EXPECT_EQ(errorOf([&] { files::openForReading("/dev/zero"); }), 75);
-    EXPECT_EQ(errorOf([&] { files::openForReading(dir.dir()); }), 75);
-    EXPECT_EQ(errorOf([&] { files::openForReading(dir.file("absent")); }), 53);
-    const std::string big = dir.file("big.vkl");
-    writeBytes(big, std::string(101, 'x'));
-    EXPECT_EQ(errorOf([&] { files::openForReading(big, 100); }), 7);
-    EXPECT_TRUE(files::openForReading(big, 101));
 }
 
 TEST(Files, SavingKeepsLinksNamesOwnerAndMode) {
@@ -121,9 +241,7 @@ TEST(Files, AFailedOrKilledSaveLeavesOldOrNewBytes) {
         fs::remove(dir.file("twin.vkl"));
     }
 
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
+    test::Random random;
     writeBytes(target, old);
     for (int run = 0; run < 12; ++run) {
         const pid_t pid = ::fork();
@@ -133,26 +251,12 @@ TEST(Files, AFailedOrKilledSaveLeavesOldOrNewBytes) {
                 save(target, old);
             }
         }
-        ::usleep(static_cast<useconds_t>(rng() % 20'000));
+        ::usleep(static_cast<useconds_t>(random.below(20'000)));
         ::kill(pid, SIGKILL);
         ::waitpid(pid, nullptr, 0);
         const std::string now = readBytes(target);
         EXPECT_TRUE(now == old || now == fresh) << now.size() << " bytes";
     }
-}
-
-TEST(Files, SmallFilesAreWrittenInPlaceAndNeverThroughALink) {
-    test::TempDir dir;
-    const std::string name = dir.file("ZOVDEF2.txt");
-    files::overwriteSmallFile(name, "a longer first line\r\n");
-    files::overwriteSmallFile(name, "short\r\n");
-    EXPECT_EQ(readBytes(name), "short\r\n");
-    const std::string secret = dir.file("secret");
-    writeBytes(secret, "private");
-    fs::remove(name);
-    fs::create_symlink(secret, name);
-    EXPECT_EQ(errorOf([&] { files::overwriteSmallFile(name, "x\r\n"); }), 75);
-    EXPECT_EQ(readBytes(secret), "private");
 }
 
 TEST(Files, UserFoldersArePrivate) {
@@ -200,6 +304,8 @@ TEST(Files, OneCopyPerLockUntilItsProcessEndsWhateverTheFileHolds) {
     EXPECT_TRUE(files::InstanceLock(lock).acquire());
     EXPECT_EQ(readBytes(other), "keep");
 }
+
+#endif
 
 }  // namespace
 }  // namespace vkl

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <functional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -24,10 +23,8 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
         std::array<std::string, Grid::kCols> text;
         std::array<Color, Grid::kCols> color{};
     };
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
-    auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    test::Random random;
+    const auto pick = [&](int n) { return random.below(n); };
     auto randomText = [&] {
         static const std::string x(300, 'x'), y(70000, 'y');
         static const std::string pieces[] = {"", "1", "Drill", "hole.bmp", "F", "LOS", x, y};

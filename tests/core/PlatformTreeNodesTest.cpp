@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -82,10 +81,8 @@ struct PlainTree {
 // and none, removals of subtrees one by one and many at once, renumbering, re-parenting and
 // clearing, each step compared with the plain model through every lookup.
 TEST(TreeNodes, RandomOperationsMatchAPlainTree) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
-    auto below = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    test::Random random;
+    const auto below = [&](int n) { return random.below(n); };
     static const char* const stems[] = {"Child", "Menu", "Node", "x"};
     for (int run = 0; run < 30; ++run) {
         TreeNodes t;

@@ -4,20 +4,19 @@
 
 #include "app/Form1.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 
 namespace vkl {
 namespace {
 
-// A window with three lines and their nodes, labelled "T"; the editors start hidden as after load.
+// A window with three lines and their nodes, labelled "T" unlike the cells; the editors start
+// hidden as after load.
 struct Editing : test::Window {
     Editing() : test::Window(test::items(3)) {
         form.Text1.visible = false;
         form.Combo1.visible = false;
         for (int r = 1; r <= 3; ++r) {
             form.Table.setTextMatrix(r, 4, std::string("param ") + std::to_string(r));
-            form.Treeview.setText(test::Window::node("Child" + std::to_string(r)),
-                                  "T");  // unlike the cell
+            form.Treeview.setText(test::Window::node("Child" + std::to_string(r)), "T");
         }
     }
     // A key typed on the grid at (row, col).
@@ -48,8 +47,8 @@ struct Editing : test::Window {
         const std::string box =
             !t.visible ? (t.hasFocus ? "-F" : "-")
                        : (t.hasFocus ? "F '" : "T '") + t.text + "' " + std::to_string(t.selStart);
-        return box + (form.Combo1.visible ? " C " : " - ") + std::to_string(form.Table.row()) +
-               "," + std::to_string(form.Table.col());
+        return box + (form.Combo1.visible ? " C " : " - ") +
+               test::cellAt(form.Table.row(), form.Table.col());
     }
 };
 

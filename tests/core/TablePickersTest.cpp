@@ -4,7 +4,6 @@
 
 #include "app/Form1.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 #include "table/Pickers.h"
 
 namespace vkl {

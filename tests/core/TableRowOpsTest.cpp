@@ -9,7 +9,6 @@
 #include "platform/NodeKeys.h"
 #include "platform/RuntimeError.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 #include "table/RowOps.h"
 
 namespace vkl {
@@ -102,8 +101,7 @@ TEST(TableRowOps, AddEmptyLineAppendsAndAddsABlankNodeOnlyToATree) {
     bare.form.toolbarClick("lineadd");
     const Grid& g = bare.form.Table;
     ASSERT_EQ(g.rows(), 4);
-    EXPECT_EQ(g.textMatrix(3, 0) + "@" + std::to_string(g.row()) + "," + std::to_string(g.col()),
-              "3@3,0");
+    EXPECT_EQ(g.textMatrix(3, 0) + "@" + test::cellAt(g.row(), g.col()), "3@3,0");
     EXPECT_EQ(g.backColorAt(3, 0), bare.form.normalColor);
     EXPECT_EQ(bare.form.Treeview.count(), 0);
     EXPECT_EQ(bare.form.addedLines, 0);

@@ -12,7 +12,6 @@
 #include "platform/RuntimeError.h"
 #include "platform/Text.h"
 #include "support/CoreSupport.h"
-#include "support/ScriptedHost.h"
 #include "table/RowOps.h"
 
 namespace vkl {
@@ -208,17 +207,13 @@ TEST(TreeEvents, ItemClickScrollsToTheLineAndMovesTheHighlight) {
     EXPECT_EQ(f.treeEvents.treeSelected, w.node("Child11"));
 
     f.treeviewNodeClick("Child10");
-    EXPECT_EQ(w.colors(11) + w.colors(10) + text::str(f.Table.topRow()),
-              "ddddddd"
-              "HHHHHHH1");
+    EXPECT_EQ(w.colors(11) + w.colors(10) + text::str(f.Table.topRow()), "dddddddHHHHHHH1");
     EXPECT_EQ(f.treeEvents.selectedRow, 10);
 
     f.Table.setBackColorAt(15, 1, f.highlightColor);  // the last highlighted line counts
     f.treeviewNodeClick("Menu1");
     EXPECT_EQ(f.treeEvents.selectedRow, 15);
-    EXPECT_EQ(w.colors(15) + w.colors(10),
-              "ddddddd"
-              "HHHHHHH");
+    EXPECT_EQ(w.colors(15) + w.colors(10), "dddddddHHHHHHH");
     EXPECT_EQ(f.treeEvents.currentSubmenuSerial, 1);
     EXPECT_TRUE(w.host.messages.empty());  // no bitmap entry: nothing shown
 }

@@ -18,20 +18,15 @@ class FailingBrowserHost : public vkl::test::ScriptedHost {
 
 // Every caption, pop-up entry and column heading shows what the form holds for it.
 void expectCaptionsOfTheForm(Window& e) {
-    const vkl::Captions& c = e.form.captions;
-    const std::string* const texts[] = {
-        &c.label1,  &c.label2,    &c.label3,    &c.label4,  &c.askDatadir,    &c.askImagedir,
-        &c.expand,  &c.colapse,   &c.onlymenus, &c.quit,    &c.addsub,        &c.addabove1,
-        &c.remove1, &c.addabove2, &c.addbelow2, &c.remove2, &c.removechilden, &c.addimage};
+    // The controls of vkl::test::kCaptions, in its order.
     const char* const names[] = {
         "Label1",  "Label2",    "Label3",    "Label4",  "ask_datadir",   "ask_imagedir",
         "Expand",  "Colapse",   "onlymenus", "Quit",    "addsub",        "addabove1",
         "remove1", "addabove2", "addbelow2", "remove2", "removechilden", "addimage"};
-    static_assert(std::size(texts) == std::size(names));
-    QStringList held;
-    QStringList seen;
+    static_assert(std::size(vkl::test::kCaptions) == std::size(names));
+    QStringList held, seen;
     for (size_t i = 0; i < std::size(names); ++i) {
-        held << utf8(*texts[i]);
+        held << utf8(e.form.captions.*vkl::test::kCaptions[i]);
         seen << shownText(e.window, names[i]);
     }
     for (int col = 0; col < 5; ++col) {
@@ -129,23 +124,14 @@ class MainWindowTest : public QObject, window_test::WindowCase {
         QMimeData data;
         data.setData(QStringLiteral("application/x-vkl-control"), QByteArray("Picture4"));
         const QPoint at = w->cellCentre(4, 2);
-        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &enter);
-        QVERIFY(enter.isAccepted());
-        QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &move);
-        QVERIFY(move.isAccepted());
-        QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &drop);
+        QVERIFY(dragOver(viewport, at, data, Qt::CopyAction, true));
         QCOMPARE(w->host.lastPrompt(), std::string("drag drop"));
         QCOMPARE(w->form.Table.textMatrix(4, 6), std::string("MACH_ADV_LIBRARY_BLINDHOLE"));
         QCOMPARE(w->form.Table.row(), 4);
 
         // Below the last line there is nothing to drop on.
         const QPoint below(at.x(), w->table()->visualRect(w->cell(7, 2)).bottom() + 30);
-        QDragMoveEvent outside(below, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &outside);
-        QVERIFY(!outside.isAccepted());
+        QVERIFY(!dragOver(viewport, below, data, Qt::CopyAction));
     }
 
     void fieldsAndPreviewFollowTheForm() {
@@ -172,13 +158,6 @@ class MainWindowTest : public QObject, window_test::WindowCase {
 
     void treePressesReachTheForm() {
         QWidget* viewport = w->tree()->viewport();
-
-        // The right button opens the menu of the node's kind, found by the press position.
-        for (const char* key : {"Menu0", "Child7", "Menu1"}) {
-            QTest::mouseClick(viewport, Qt::RightButton, {}, w->nodeCentre(key));
-        }
-        QCOMPARE(w->host.popups, (std::vector<std::string>{"Menu1", "Menu2", "menu3"}));
-        QCOMPARE(w->form.treeEvents.currentNodeKey, std::string("Menu1"));
 
         // Folding a folder and moving the current node in the view reach the form.
         w->tree()->collapse(w->node("Menu1"));

@@ -5,7 +5,6 @@
 
 #include "gui/QtHost.h"
 #include "platform/Files.h"
-#include "platform/RuntimeError.h"
 #include "support/ScriptedHost.h"
 
 using vkl::Answer;
@@ -47,12 +46,11 @@ class QtHostTest : public QObject {
     void messageBoxesHaveTheirButtonsTitleAndIcon() {
         QtHost host;
         QString seen;
-        vkl::MessageBox quit;
-        quit.prompt = "Changes not saved! Do you really want to quit !";
-        quit.title = "Confirm Quit";
-        quit.buttons = vkl::Buttons::YesNo;
-        quit.questionIcon = true;
-        quit.defaultNo = true;
+        const vkl::MessageBox quit{.prompt = "Changes not saved! Do you really want to quit !",
+                                   .title = "Confirm Quit",
+                                   .buttons = vkl::Buttons::YesNo,
+                                   .questionIcon = true,
+                                   .defaultNo = true};
         QCOMPARE(answerBox(host, quit, QMessageBox::Yes, seen), Answer::Yes);
         // (Icon 4 is the question mark, 0 none.)
         QCOMPARE(seen, QStringLiteral("Confirm Quit|4|No,Yes|No|") + quit.prompt.c_str());
@@ -96,24 +94,13 @@ class QtHostTest : public QObject {
         const std::string bmp = dir.filePath(QStringLiteral("Menu Bild.bmp")).toStdString();
         vkl::test::writeBmp(bmp, 37, 21);
         const vkl::PictureSize size = host.loadPicture(bmp);
-        QCOMPARE(size.width, 37);
-        QCOMPARE(size.height, 21);
+        QCOMPARE(std::pair(size.width, size.height), std::pair(37, 21));
 
-        const QString text = dir.filePath(QStringLiteral("notes.bmp"));
-        QFile file(text);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("this is no picture at all\n");
-        file.close();
-        const auto refusal = [&](const QString& file) {
-            try {
-                host.loadPicture(file.toStdString());
-            } catch (const vkl::RuntimeError& e) {
-                return e.number();
-            }
-            return 0;
-        };
-        QCOMPARE(refusal(text), 481);
-        QCOMPARE(refusal(dir.filePath(QStringLiteral("missing.bmp"))), 53);
+        const std::string text = dir.filePath(QStringLiteral("notes.bmp")).toStdString();
+        vkl::test::writeBytes(text, "this is no picture at all\n");
+        QCOMPARE(vkl::test::errorOf([&] { host.loadPicture(text); }), 481);
+        const std::string missing = dir.filePath(QStringLiteral("missing.bmp")).toStdString();
+        QCOMPARE(vkl::test::errorOf([&] { host.loadPicture(missing); }), 53);
     }
 
     void popupMenuReturnsTheChosenEntry() {

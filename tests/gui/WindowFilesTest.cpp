@@ -64,25 +64,23 @@ class WindowFilesTest : public QObject, window_test::WindowCase {
     }
 
     void refusedAndCancelledCommandsChangeNothing() {
-        Window own;
         // A cancelled open leaves table, tree and file name as they were.
-        QVERIFY(own.open(window_test::toolsMenu()));
-        own.host.openAnswers.push_back({});
-        QVERIFY(own.clickTool("open"));
-        QCOMPARE(own.host.openRequests.size(), size_t{2});
-        QCOMPARE(own.table()->model()->rowCount(), 7);
-        QCOMPARE(treeLines(own.tree()), kToolsTree);
-        QCOMPARE(shownText(own.window, "decfilename"),
+        w->host.openAnswers.push_back({});
+        QVERIFY(w->clickTool("open"));
+        QCOMPARE(w->host.openRequests.size(), size_t{2});
+        QCOMPARE(w->table()->model()->rowCount(), 7);
+        QCOMPARE(treeLines(w->tree()), kToolsTree);
+        QCOMPARE(shownText(w->window, "decfilename"),
                  QString::fromStdString(window_test::toolsMenu()));
 
         // A cancelled save writes nothing and keeps the file name shown.
-        own.host.saveAnswers.push_back({});
-        QVERIFY(own.clickTool("save"));
-        QCOMPARE(own.host.saveRequests.size(), size_t{1});
-        QCOMPARE(shownText(own.window, "decfilename"),
+        w->host.saveAnswers.push_back({});
+        QVERIFY(w->clickTool("save"));
+        QCOMPARE(w->host.saveRequests.size(), size_t{1});
+        QCOMPARE(shownText(w->window, "decfilename"),
                  QString::fromStdString(window_test::toolsMenu()));
-        QCOMPARE(QDir(own.dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
-        QCOMPARE(own.host.endCount, 0);
+        QCOMPARE(QDir(w->dir.path()).entryList(QDir::Files), QStringList{"ZOVDEF2.txt"});
+        QCOMPARE(w->host.endCount, 0);
     }
 
     // Every test starts in a new window showing the tools menu.

@@ -82,11 +82,9 @@ class WindowTableTest : public QObject, window_test::WindowCase {
         QTest::mouseClick(viewport, Qt::LeftButton, {}, w->cellCentre(5, 3));
         QTest::keyClick(table, Qt::Key_X);
         auto* combo1 = w->child<QComboBox>("Combo1");
-        QVERIFY(combo1->isVisible());
         QCOMPARE(combo1->geometry(), table->visualRect(w->cell(5, 3)));
         QCOMPARE(w->cellText(5, 3), QStringLiteral("P"));
         emit combo1->activated(combo1->findText(QStringLiteral("PKG")));
-        QVERIFY(!combo1->isVisible());
         QCOMPARE(w->cellText(5, 3), QStringLiteral("LOS"));
         QTest::mouseClick(viewport, Qt::LeftButton, {}, w->cellCentre(7, 3));
         QCOMPARE(w->cellText(7, 3), QStringLiteral("LOS"));
@@ -162,8 +160,8 @@ class WindowTableTest : public QObject, window_test::WindowCase {
         const std::string out = own.path("made.vkl");
         own.host.saveAnswers.push_back(ScriptedHost::pick(out));
         QVERIFY(own.clickTool("save"));
-        const QByteArray saved = window_test::readAll(out);
-        QVERIFY(saved.endsWith("\r\n11\r\nDrill||F|Make_hole\r\nTap||F|Tap_hole\r\n"));
+        QVERIFY(vkl::test::readBytes(out).ends_with(
+            "\r\n11\r\nDrill||F|Make_hole\r\nTap||F|Tap_hole\r\n"));
         QTreeView* tree = own.tree();
         QCOMPARE(tree->model()->rowCount(), 1);
         QVERIFY(tree->isExpanded(own.node("Menu0")));

@@ -1,23 +1,22 @@
 #pragma once
 
-// Shared by the menu-file tests: a model to read into, real files in a temporary folder, and
-// compact descriptions of tree and table.
+// Shared by the core tests: a model to read into, real files in a temporary folder, compact
+// descriptions of tree and table, and (from ScriptedHost.h) the scripted host and window core.
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <sstream>
+#include <random>
 #include <string>
 #include <vector>
 
 #include <unistd.h>
 
 #include "menufile/Reader.h"
-#include "platform/RuntimeError.h"
 #include "platform/Text.h"
+#include "support/ScriptedHost.h"
 
 namespace vkl::test {
 
@@ -42,19 +41,18 @@ class TempDir {
     std::filesystem::path path_;
 };
 
+// A random source seeded anew for each run; a failure names the seed.
+struct Random {
+    unsigned seed = std::random_device{}();
+    ::testing::ScopedTrace trace{__FILE__, __LINE__, "seed " + std::to_string(seed)};
+    std::mt19937 rng{seed};
+    // From 0 to n - 1; 0 when n is not above 0.
+    int below(int n) { return n <= 0 ? 0 : static_cast<int>(rng() % static_cast<unsigned>(n)); }
+};
+
 // A row and column as "row,col", for comparing a current cell in one check.
 inline std::string cellAt(int row, int col) {
     return std::to_string(row) + "," + std::to_string(col);
-}
-
-inline void writeBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
-
-inline std::string readBytes(const std::string& path) {
-    std::ostringstream s;
-    s << std::ifstream(path, std::ios::binary).rdbuf();
-    return s.str();
 }
 
 // Splits written bytes at CR LF; a line end of any other kind fails the test.
@@ -168,15 +166,5 @@ struct Model {
                f.imagedir;
     }
 };
-
-// The number of the run-time error f raises, 0 when none.
-inline int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 }  // namespace vkl::test

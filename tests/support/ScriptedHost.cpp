@@ -125,7 +125,7 @@ void writeBmp(const std::string& path, int width, int height) {
             bytes.push_back(static_cast<char>((x * 7 + y * 13) & 0xFF));
         }
     }
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+    writeBytes(path, bytes);
 }
 
 Window::Window(const std::vector<std::string>& outline, const std::string& installDir)

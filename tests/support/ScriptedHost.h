@@ -1,14 +1,20 @@
 #pragma once
 
+// Shared by the core and the window tests, so free of any test framework: a scripted host, the
+// window's core over an outline, and files and run-time errors as plain values.
+
 #include <deque>
+#include <fstream>
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "app/Form1.h"
 #include "platform/Host.h"
+#include "platform/RuntimeError.h"
 
 namespace vkl::test {
 
@@ -55,6 +61,26 @@ class ScriptedHost : public Host {
 // Writes a small valid 24-bit BMP of the given size.
 void writeBmp(const std::string& path, int width, int height);
 
+inline void writeBytes(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+inline std::string readBytes(const std::string& path) {
+    std::ostringstream s;
+    s << std::ifstream(path, std::ios::binary).rdbuf();
+    return s.str();
+}
+
+// The number of the run-time error f raises, 0 when none.
+inline int errorOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
 // The window's core over a menu given as an outline: leading blanks are the depth below the
 // root, "M" is a folder (serials from 1), anything else an item line titled so (rows in order).
 struct Window {
@@ -72,6 +98,14 @@ struct Window {
     ScriptedHost host;
     Form1 form;
 };
+
+// Every caption of the form.
+inline std::string Captions::*const kCaptions[] = {
+    &Captions::label1,        &Captions::label2,      &Captions::label3,    &Captions::label4,
+    &Captions::askDatadir,    &Captions::askImagedir, &Captions::expand,    &Captions::colapse,
+    &Captions::onlymenus,     &Captions::quit,        &Captions::addsub,    &Captions::addabove1,
+    &Captions::remove1,       &Captions::addabove2,   &Captions::addbelow2, &Captions::remove2,
+    &Captions::removechilden, &Captions::addimage};
 
 // The outline of n items titled T1 to Tn.
 std::vector<std::string> items(int n);

@@ -104,6 +104,21 @@ struct BasicWindow {
 };
 using Window = BasicWindow<>;
 
+// Passes a drag carrying data over a point of a view's viewport, as Qt does: true when the view
+// takes it there. With drop, the data is dropped there too.
+inline bool dragOver(QWidget* viewport, QPoint at, QMimeData& data, Qt::DropAction action,
+                     bool drop = false) {
+    QDragEnterEvent enter(at, action, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &enter);
+    QDragMoveEvent move(at, action, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &move);
+    if (drop) {
+        QDropEvent dropped(at, action, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport, &dropped);
+    }
+    return enter.isAccepted() && move.isAccepted();
+}
+
 // The common start of a window test case, for its init(): a window shown, with the tools menu
 // open. The window of one case lives until the next case starts.
 struct WindowCase {
@@ -179,11 +194,6 @@ inline QString shownText(QWidget& window, const char* name) {
         }
     }
     return QStringLiteral("<no control %1>").arg(n);
-}
-
-inline QByteArray readAll(const std::string& file) {
-    QFile f(QString::fromStdString(file));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 }  // namespace window_test
