@@ -783,7 +783,7 @@ bool MainWindow::run(const std::function<void()>& handler) {
         ~NoAutoScroll() { view->setAutoScroll(was); }
     };
     const NoAutoScroll still(table_);
-    clearUpperVectorHalves();
+    clearUpperVectorHalves();  // whatever Qt ran before, the core starts at full speed
     try {
         Depth depth(handlerDepth_);
         handler();

@@ -5,10 +5,11 @@
 #define VKL_X86_VECTOR_STATE 1
 #endif
 
-// Toolkit code (painting, start-up) can leave the upper halves of the AVX registers in use.
-// Until they are cleared, every plain SSE instruction of this thread runs behind them: reading a
-// menu file then takes about 1.7 times as long. Clearing them is one instruction, run where the
-// editor's own work starts; on processors without AVX, and elsewhere, it does nothing.
+// Qt's start-up, item models and painting can leave the upper halves of the AVX registers in
+// use. Until they are cleared, the plain SSE code of this thread runs behind them: on the Xeon
+// of the machine that runs CI, reading a menu file then took 1.7 times as long. Clearing them is
+// one instruction, run where the editor's own work starts; without AVX, and on other
+// processors, it does nothing.
 namespace vkl {
 
 #ifdef VKL_X86_VECTOR_STATE
