@@ -222,6 +222,8 @@ void MainWindow::buildWidgets() {
     // later Qt name it otherwise, this does nothing and the grid is merely repainted.
     disconnect(gridModel_, SIGNAL(headerDataChanged(Qt::Orientation, int, int)), table_,
                SLOT(_q_headerDataChanged()));
+    table_->setVerticalScrollBar(new StillScrollBar(Qt::Vertical, table_));
+    table_->setHorizontalScrollBar(new StillScrollBar(Qt::Horizontal, table_));
     table_->setItemDelegate(new GridCellDelegate(table_));
     table_->setShowGrid(false);  // the cells draw the lines
     table_->verticalHeader()->hide();
@@ -282,6 +284,8 @@ void MainWindow::buildWidgets() {
                 }
             });
     tree_->setModel(treeModel_);
+    tree_->setVerticalScrollBar(new StillScrollBar(Qt::Vertical, tree_));
+    tree_->setHorizontalScrollBar(new StillScrollBar(Qt::Horizontal, tree_));
     tree_->setItemDelegate(new NodeDelegate(tree_));
     tree_->setHeaderHidden(true);
     tree_->setUniformRowHeights(true);

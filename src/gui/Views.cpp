@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStaticText>
+#include <QStyleOptionSlider>
 #include <QtMath>
 
 #include "gui/Convert.h"
@@ -233,6 +234,38 @@ void NodeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         drawLine(painter, option, room, text, Qt::AlignLeft | Qt::AlignVCenter);
         painter->restore();
     }
+}
+
+// ---- StillScrollBar ---------------------------------------------------------------------------
+
+void StillScrollBar::paintEvent(QPaintEvent* event) {
+    if (underMouse() || isSliderDown()) {
+        QScrollBar::paintEvent(event);
+        return;
+    }
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    const Picture now{
+        option.rect,
+        style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this),
+        static_cast<int>(option.state), option.palette.cacheKey(), devicePixelRatio(),
+        // Some styles grey out an arrow that can go no further.
+        value() == minimum(), value() == maximum()};
+    if (kept_.isNull() || !(now == shown_)) {
+        kept_ = QPixmap(option.rect.size() * now.pixelRatio);
+        kept_.setDevicePixelRatio(now.pixelRatio);
+        kept_.fill(Qt::transparent);
+        // A painter on the picture starts as one on the widget would.
+        QPainter into(&kept_);
+        into.setPen(palette().color(foregroundRole()));
+        into.setBackground(palette().brush(backgroundRole()));
+        into.setFont(font());
+        option.subControls = QStyle::SC_All;
+        style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &into, this);
+        shown_ = now;
+    }
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, kept_);
 }
 
 // ---- GridView ---------------------------------------------------------------------------------

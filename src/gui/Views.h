@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPixmap>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTreeView>
@@ -52,6 +54,33 @@ class NodeDelegate : public QStyledItemDelegate {
     using QStyledItemDelegate::QStyledItemDelegate;
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
+};
+
+// A scroll bar that keeps its last picture and shows it again while nothing drawn in it changed.
+// The views lay themselves out after every removal of a line and repaint their scroll bars each
+// time; painting the style's groove costs more than the rest of the command, while with 32,000
+// lines a removal moves the slider by less than a pixel. Pressed or under the pointer, it is
+// painted as usual: those states are not in the picture.
+class StillScrollBar : public QScrollBar {
+  public:
+    using QScrollBar::QScrollBar;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    struct Picture {
+        QRect rect;
+        QRect slider;
+        int state = 0;
+        qint64 palette = 0;
+        qreal pixelRatio = 1;
+        bool atMinimum = false;
+        bool atMaximum = false;
+        friend bool operator==(const Picture&, const Picture&) = default;
+    };
+    Picture shown_;
+    QPixmap kept_;
 };
 
 // The menu table's view. Its events go to the window's hooks, in the order the form's handlers

@@ -1,5 +1,8 @@
 // The window as a desktop user meets it: the editors' drop-downs and keys, the pop-up menus over
-// the pressed node, and a window small enough for every screen.
+// the pressed node, a window small enough for every screen, and scroll bars that show their state.
+#include <random>
+
+#include "gui/Views.h"
 #include "support/WindowFixture.h"
 
 class WindowHabitsTest : public QObject, window_test::WindowCase {
@@ -230,6 +233,47 @@ class WindowHabitsTest : public QObject, window_test::WindowCase {
         after[18] = '_';
         after[19] = '_';
         QCOMPARE(folded(), after);
+    }
+
+    void scrollBarsShowWhatTheyHold() {
+        // The picture a scroll bar keeps against one painted afresh, over small random changes
+        // of its range, position, size, state and colours, in every style at hand.
+        std::mt19937 random(7);
+        for (const QString& styleName : QStyleFactory::keys()) {
+            std::unique_ptr<QStyle> style(QStyleFactory::create(styleName));
+            const Qt::Orientation o = random() % 2 == 0 ? Qt::Vertical : Qt::Horizontal;
+            vkl::gui::StillScrollBar still(o);
+            QScrollBar plain(o);
+            still.setStyle(style.get());
+            plain.setStyle(style.get());
+            for (int step = 0; step < 300; ++step) {
+                const unsigned what = random() % 5, small = random() % 40, big = random() % 300;
+                const QColor colour = QColor::fromRgb(random());
+                for (QScrollBar* bar : {static_cast<QScrollBar*>(&still), &plain}) {
+                    switch (what) {
+                        case 0:
+                            bar->setRange(0, big < 100 ? small : 32000 + small);
+                            break;
+                        case 1:
+                            bar->setValue(big < 100 ? bar->maximum() : small);
+                            break;
+                        case 2:
+                            bar->resize(o == Qt::Vertical ? QSize(16, 100 + big)
+                                                          : QSize(100 + big, 16));
+                            break;
+                        case 3:
+                            bar->setEnabled(big >= 75);
+                            break;
+                        default: {
+                            QPalette colours = bar->palette();
+                            colours.setColor(QPalette::Button, colour);
+                            bar->setPalette(colours);
+                        }
+                    }
+                }
+                QCOMPARE(still.grab().toImage(), plain.grab().toImage());
+            }
+        }
     }
 
     // No test ends the program.
