@@ -94,9 +94,7 @@ void Form1::load() {
     Table.setCol(0);
     refreshTexts();
 
-    for (int r = 1; r < Table.rows(); ++r) {
-        Table.setTextMatrix(r, 0, text::str(r));
-    }
+    Table.numberRows();
     tree.nodeSerial = 0;
     addedLines = 0;
 }

@@ -409,11 +409,12 @@ class MenuReader {
         const std::string_view action = fields_[2];
         const std::string_view parameter = fields_[3];
         const bool package = action.size() == 3 && text::iequals(action, "LOS");
-        // Number, title, bitmap name, action, parameter as shown, bitmap and parameter as
-        // written; an empty bitmap leaves both bitmap cells empty.
+        // Title, bitmap name, action, parameter as shown, bitmap and parameter as written (an
+        // empty bitmap leaves both bitmap cells empty), and the row's number before them.
         g.setRowTexts(row, line,
-                      {rowNumber_.text(row), title, bareFileName(bitmap), action,
+                      {std::string_view(), title, bareFileName(bitmap), action,
                        package ? bareFileName(parameter) : parameter, bitmap, parameter});
+        g.numberRow(row);
         return node;
     }
 
@@ -426,7 +427,6 @@ class MenuReader {
     ReadDiagnostics* diag_;
     tree::LevelDerivation derivation_;
     Fields fields_;
-    text::DecimalCounter rowNumber_;  // column 0, stepped on from row to row
     int16_t rowCounter_ = 0;
     ReadOutcome outcome_;
 };

@@ -30,16 +30,36 @@ Grid::Row& Grid::Row::operator=(const Row& other) {
     return *this;
 }
 
-void Grid::clearRow(Row& row) {
+void Grid::clearRow(uint32_t i) {
     // A row taken again comes back empty and without colour, like a new one: every text an
     // empty part at the start of an empty line, whatever offsets its cells had before (a
     // cell with a string of its own kept offsets into a line since compacted). Its strings
     // stay as storage.
+    numberOf_[i] = -1;
+    Row& row = pooled(i);
     row.back.fill(0);
     row.from.fill(0);
     row.size.fill(0);
     row.line.clear();
     row.kept = kAllKept;
+}
+
+std::string_view Grid::NumberTexts::text(int32_t n) const {
+    const auto block = static_cast<size_t>(n) / kChunkRows;
+    while (blocks_.size() <= block) {
+        auto made = std::make_unique<Block>();
+        text::DecimalCounter counter;
+        const auto first = static_cast<long long>(blocks_.size() * kChunkRows);
+        for (size_t k = 0; k < kChunkRows; ++k) {
+            made->from[k] = static_cast<uint32_t>(made->digits.size());
+            made->digits.append(counter.text(first + static_cast<long long>(k)));
+        }
+        made->from[kChunkRows] = static_cast<uint32_t>(made->digits.size());
+        blocks_.push_back(std::move(made));
+    }
+    const Block& b = *blocks_[block];
+    const size_t k = static_cast<size_t>(n) % kChunkRows;
+    return std::string_view(b.digits).substr(b.from[k], b.from[k + 1] - b.from[k]);
 }
 
 std::string_view Grid::textOf(const Row& row, int c) {
@@ -130,6 +150,7 @@ Grid::Grid() : rows_(0) {
 Grid::Grid(const Grid& other)
     : pooled_(other.pooled_),
       order_(other.order_),
+      numberOf_(other.numberOf_),
       rows_(other.rows_),
       row_(other.row_),
       col_(other.col_),
@@ -199,13 +220,14 @@ void Grid::gatherRemoved(int first, int last) {
 void Grid::grow(int n) {
     for (auto r = static_cast<size_t>(rows_); r < static_cast<size_t>(n); ++r) {
         if (r < order_.size()) {
-            clearRow(pooled(order_[r]));
+            clearRow(order_[r]);
             continue;
         }
         if (pooled_ == chunks_.size() * kChunkRows) {
             chunks_.push_back(std::make_unique<Row[]>(kChunkRows));
+            numberOf_.resize(chunks_.size() * kChunkRows, -1);
         }
-        clearRow(pooled(pooled_));
+        clearRow(pooled_);
         order_.push_back(pooled_++);
     }
     rows_ = n;
@@ -244,7 +266,7 @@ int Grid::appendRow() {
     // setRows(rows() + 1) for the one row the reader adds per line.
     const int r = rows_;
     if (static_cast<size_t>(r) < order_.size()) {
-        clearRow(pooled(order_[static_cast<size_t>(r)]));  // a row kept from an earlier table
+        clearRow(order_[static_cast<size_t>(r)]);  // a row kept from an earlier table
         rows_ = r + 1;
     } else {
         grow(r + 1);
@@ -294,9 +316,49 @@ void Grid::notifyCell(int r, int c) {
 void Grid::setTextMatrix(int r, int c, std::string_view text) {
     checkCol(c);
     Row& row = rowAt(r);
+    if (c == 0) {
+        int32_t& number = numberOf_[order_[static_cast<size_t>(r)]];
+        const std::string_view shown = number >= 0 ? numbers_.text(number) : textOf(row, 0);
+        if (shown == text) {
+            return;
+        }
+        // The row's own number is kept as a number: numbering the rows again finds it so.
+        if (text == numbers_.text(r)) {
+            number = r;
+        } else {
+            number = -1;
+            store(row, 0, text);
+        }
+        notifyCell(r, 0);
+        return;
+    }
     if (textOf(row, c) != text) {
         store(row, c, text);
         notifyCell(r, c);
+    }
+}
+
+void Grid::numberRow(int r) {
+    (void)rowAt(r);  // an unknown row raises the grid's error
+    int32_t& number = numberOf_[order_[static_cast<size_t>(r)]];
+    if (number != r) {
+        number = r;
+        notifyCell(r, 0);
+    }
+}
+
+void Grid::numberRows() {
+    for (int r = 1; r < rows_; ++r) {
+        int32_t& number = numberOf_[order_[static_cast<size_t>(r)]];
+        if (number == r) {
+            continue;
+        }
+        // A text of its own is read only here; a number given before needs no row.
+        const bool same = number < 0 && textOf(rowAt(r), 0) == numbers_.text(r);
+        number = r;
+        if (!same) {
+            notifyCell(r, 0);
+        }
     }
 }
 
@@ -321,6 +383,7 @@ void Grid::setRowTexts(int r, std::string_view line,
         row.line.reserve(line.size() + 8);
     }
     row.line.assign(line);
+    numberOf_[order_[static_cast<size_t>(r)]] = -1;
     // Addresses compared as numbers: a text lies in the line or anywhere else.
     const auto base = reinterpret_cast<uintptr_t>(line.data());
     const size_t length = line.size();

@@ -66,7 +66,13 @@ class Grid {
     // The same text as a view, without a copy: valid until the cell or its row changes.
     std::string_view textView(int r, int c) const {
         checkCol(c);
-        return textOf(rowAt(r), c);
+        const Row& row = rowAt(r);
+        if (c == 0) {
+            if (const int32_t n = numberOf_[order_[static_cast<size_t>(r)]]; n >= 0) {
+                return numbers_.text(n);
+            }
+        }
+        return textOf(row, c);
     }
     // The text is copied into the grid.
     void setTextMatrix(int r, int c, std::string_view text);
@@ -99,6 +105,14 @@ class Grid {
 
     // The grid's own back colour (what the window paints where a cell has none of its own).
     Color backColor() const { return kWindowColor; }
+
+    // Column 0 of every data row shows the row's number, announced for the rows whose text
+    // changes. The rows keep no text for it: a row keeps the number it was given until its
+    // column 0 is written again, wherever removals move it, so numbering 32,000 lines anew
+    // after a removal touches none of them.
+    void numberRows();
+    // The same for row r alone: what the reader does for every line it adds.
+    void numberRow(int r);
 
     // Removes one data row; the grid refuses to remove its last data row.
     void removeItem(int r);
@@ -141,6 +155,26 @@ class Grid {
     static constexpr uint8_t kAllKept = (1u << kCols) - 1;
     static constexpr size_t kChunkRows = 1024;
 
+    // The decimal texts of 0, 1, 2 and on, made as far as they are asked for, in blocks that
+    // never move: a view of one stays valid as long as the grid.
+    class NumberTexts {
+      public:
+        NumberTexts() = default;
+        NumberTexts(const NumberTexts&) {}  // a copy makes its own
+        NumberTexts& operator=(const NumberTexts&) { return *this; }
+        NumberTexts(NumberTexts&&) noexcept = default;
+        NumberTexts& operator=(NumberTexts&&) noexcept = default;
+        ~NumberTexts() = default;
+        std::string_view text(int32_t n) const;
+
+      private:
+        struct Block {
+            std::string digits;
+            std::array<uint32_t, kChunkRows + 1> from{};
+        };
+        mutable std::vector<std::unique_ptr<Block>> blocks_;
+    };
+
     // The row of table row r; raises the grid's error for a row that does not exist.
     Row& rowAt(int r) const {
         if (r < 0 || r >= rows_) {
@@ -166,7 +200,8 @@ class Grid {
     // Moves the rows gathered in a bulk scope past a removal of rows first..last.
     void gatherRemoved(int first, int last);
     void announceReset();
-    static void clearRow(Row& row);
+    // Takes row i of the pool for a new table row: empty and without colour.
+    void clearRow(uint32_t i);
     void grow(int n);
 
     // Rows are made in chunks and never move. Table row r is pooled(order_[r]) for r < rows_;
@@ -175,6 +210,9 @@ class Grid {
     std::vector<std::unique_ptr<Row[]>> chunks_;
     uint32_t pooled_ = 0;
     std::vector<uint32_t> order_;
+    // Per pooled row: the number column 0 shows, or -1 when it shows the text stored for it.
+    std::vector<int32_t> numberOf_;
+    NumberTexts numbers_;
     int rows_ = 1;
     int row_ = 0;
     int col_ = 0;

@@ -118,7 +118,7 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
         }
     }
     if (marked == 0) {
-        renumberLines(grid);
+        grid.numberRows();
         return;
     }
 
@@ -158,7 +158,7 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
     if (keepFirst) {
         emptyLine(grid, 1, defaultCellColor, normalColor);
     }
-    renumberLines(grid);
+    grid.numberRows();
 }
 
 void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
@@ -169,7 +169,7 @@ void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
     if (r == 1 && grid.rows() == 2) {
         // The grid keeps its last data row: it stays as an empty line, nothing moves up.
         emptyLine(grid, 1, defaultCellColor, normalColor);
-        renumberLines(grid);
+        grid.numberRows();
         return;
     }
     grid.removeItem(static_cast<int>(std::clamp<long>(r, INT_MIN, INT_MAX)));
@@ -178,7 +178,7 @@ void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
     if (!nodes.closeNumberGap(keys::kItemStem, r)) {
         renumberItemKeys(nodes, r + 1, [r](long k) -> long { return k > r ? 1 : 0; });
     }
-    renumberLines(grid);
+    grid.numberRows();
 }
 
 void clearSelection(Grid& grid, Color highlightColor, Color defaultCellColor) {
@@ -189,13 +189,6 @@ void clearSelection(Grid& grid, Color highlightColor, Color defaultCellColor) {
             }
             return;
         }
-    }
-}
-
-void renumberLines(Grid& grid) {
-    text::DecimalCounter number;
-    for (int r = 1; r < grid.rows(); ++r) {
-        grid.setTextMatrix(r, 0, number.text(r));
     }
 }
 

@@ -44,7 +44,4 @@ void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
 // Only that first row is reset.
 void clearSelection(Grid& grid, Color highlightColor, Color defaultCellColor);
 
-// Rewrites column 0 of every data row with its row number.
-void renumberLines(Grid& grid);
-
 }  // namespace vkl::table

@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/Grid.h"
@@ -41,7 +42,7 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
             const int rows = static_cast<int>(model.size());
             const int r = pick(rows + 1);  // one past the end now and then
             const int c = pick(Grid::kCols);
-            switch (pick(11)) {
+            switch (pick(12)) {
                 case 0: {
                     const int n = pick(13);
                     if (n == 0) {
@@ -145,6 +146,29 @@ TEST(Grid, RandomOperationsMatchAPlainTable) {
                         ++bulk;
                     }
                     break;
+                case 10: {
+                    if (r > 0 && r < rows && pick(3) == 0) {
+                        g.numberRow(r);
+                        at(r).text[0] = std::to_string(r);
+                        break;
+                    }
+                    // Outside a bulk scope, exactly the rows whose number changed are told.
+                    std::vector<int> told, changed;
+                    Grid::Observer o;
+                    o.cellChanged = [&](int row, int col) { told.push_back(col == 0 ? row : -1); };
+                    g.setObserver(bulk == 0 ? o : Grid::Observer{});
+                    g.numberRows();
+                    g.setObserver({});
+                    for (int k = 1; k < rows; ++k) {
+                        if (std::exchange(at(k).text[0], std::to_string(k)) != at(k).text[0]) {
+                            changed.push_back(k);
+                        }
+                    }
+                    if (bulk == 0) {
+                        EXPECT_EQ(told, changed) << "step " << step;
+                    }
+                    break;
+                }
                 default:
                     if (pick(20) == 0) {
                         g = Grid(g);  // a copy holds the same table
