@@ -672,14 +672,16 @@ std::vector<std::pair<NodeRef, long>> TreeNodes::numberedFrom(std::string_view p
     return out;
 }
 
-bool TreeNodes::closeNumberGap(std::string_view stem, long gap) {
+bool TreeNodes::closeNumberGaps(std::string_view stem, const std::vector<bool>& gaps) {
     KeyStem* const s = knownStem(stem);
-    if (s == nullptr || gap < 0 || gap >= static_cast<long>(kMaxStemNumber)) {
+    if (s == nullptr) {
         return false;
     }
-    const auto at = static_cast<size_t>(gap);
-    if (at < s->byNumber.size() && s->byNumber[at] >= 0) {
-        return false;
+    const size_t cells = s->byNumber.size();
+    for (size_t k = 0; k < gaps.size() && k < cells; ++k) {
+        if (gaps[k] && s->byNumber[k] >= 0) {
+            return false;
+        }
     }
     for (const KeyStem& other : stems_) {
         if (&other != s && startsWith(other.stem, stem) &&
@@ -693,16 +695,21 @@ bool TreeNodes::closeNumberGap(std::string_view stem, long gap) {
             return false;
         }
     }
-    // Upwards: each key moves into the cell its lower neighbour has just left (or the gap).
-    for (size_t k = at + 1; k < s->byNumber.size(); ++k) {
-        const int32_t slot = s->byNumber[k];
-        if (slot < 0) {
+    // Upwards: each key moves into a gap or a cell a key below it has just left.
+    size_t shift = 0;
+    for (size_t k = 0; k < cells; ++k) {
+        if (k < gaps.size() && gaps[k]) {
+            ++shift;
             continue;
         }
-        s->byNumber[k - 1] = slot;
+        const int32_t slot = s->byNumber[k];
+        if (slot < 0 || shift == 0) {
+            continue;
+        }
+        s->byNumber[k - shift] = slot;
         s->byNumber[k] = -1;
         text::copyInto(nodes_[static_cast<size_t>(slot)].key,
-                       s->keys.text(static_cast<long>(k) - 1));
+                       s->keys.text(static_cast<long>(k - shift)));
     }
     return true;
 }

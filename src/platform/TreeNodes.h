@@ -127,10 +127,11 @@ class TreeNodes {
     // prefix + number key is left out. What renumbering thousands of item keys needs instead
     // of a pass over every node.
     std::vector<std::pair<NodeRef, long>> numberedFrom(std::string_view prefix, long from) const;
-    // The keys stem + k for every k above gap become stem + (k - 1), as rekeyNumbered would
-    // make them, when every key beginning with stem is of that form and stem + gap names no
-    // node. Returns false, having changed nothing, when one of these does not hold.
-    bool closeNumberGap(std::string_view stem, long gap);
+    // The keys stem + k become stem + (k - the number of gaps below k), as rekeyNumbered would
+    // make them, when every key beginning with stem is of that form and no gap (k with
+    // gaps[k] set) names a node: what removing lines does to the keys of the lines below.
+    // Returns false, having changed nothing, when one of these does not hold.
+    bool closeNumberGaps(std::string_view stem, const std::vector<bool>& gaps);
     // rekeyNumbered for nodes keyed stem + number in the stem's array, given as (old number,
     // new number): the keys move cell to cell without being read. Returns false, having changed
     // nothing, when an old number names no node or a new number is taken by a node that keeps

@@ -143,15 +143,20 @@ void deleteMarkedLines(Grid& grid, TreeNodes& nodes, Color markingColor, Color d
     if (keepFirst) {
         remove[1] = false;
     }
-    std::vector<long> removedBefore(static_cast<size_t>(rows) + 1, 0);
-    for (size_t k = 1; k < removedBefore.size(); ++k) {
-        removedBefore[k] = removedBefore[k - 1] + (remove[k - 1] ? 1 : 0);
+    // The keys close up in place when all item keys are of the editor's own form, which they
+    // are unless a file or a test made them otherwise.
+    if (!nodes.closeNumberGaps(keys::kItemStem, remove)) {
+        std::vector<long> removedBefore(static_cast<size_t>(rows) + 1, 0);
+        for (size_t k = 1; k < removedBefore.size(); ++k) {
+            removedBefore[k] = removedBefore[k - 1] + (remove[k - 1] ? 1 : 0);
+        }
+        // Keys up to the first removed row keep their numbers.
+        const long firstRemoved =
+            std::find(remove.begin() + 1, remove.end(), true) - remove.begin();
+        renumberItemKeys(nodes, firstRemoved + 1, [&](long k) -> long {
+            return k <= 0 ? 0 : removedBefore[static_cast<size_t>(std::min<long>(k, rows))];
+        });
     }
-    // Keys up to the first removed row keep their numbers.
-    const long firstRemoved = std::find(remove.begin() + 1, remove.end(), true) - remove.begin();
-    renumberItemKeys(nodes, firstRemoved + 1, [&](long k) -> long {
-        return k <= 0 ? 0 : removedBefore[static_cast<size_t>(std::min<long>(k, rows))];
-    });
 
     const BulkScope<Grid> bulk(grid);
     grid.removeRows(remove);
@@ -173,9 +178,11 @@ void removeLineOfNode(Grid& grid, TreeNodes& nodes, const std::string& nodeKey,
         return;
     }
     grid.removeItem(static_cast<int>(std::clamp<long>(r, INT_MIN, INT_MAX)));
-    // Every key after the removed row moves up by one: in place when all item keys are of the
-    // editor's own form, which they are unless a file or a test made them otherwise.
-    if (!nodes.closeNumberGap(keys::kItemStem, r)) {
+    // Every key after the removed row moves up by one, in place as in deleteMarkedLines when
+    // it can.
+    std::vector<bool> gap(static_cast<size_t>(r) + 1, false);
+    gap.back() = true;
+    if (!nodes.closeNumberGaps(keys::kItemStem, gap)) {
         renumberItemKeys(nodes, r + 1, [r](long k) -> long { return k > r ? 1 : 0; });
     }
     grid.numberRows();
