@@ -48,6 +48,7 @@ void TreeNodes::clear() {
     nodes_[0].kids.clear();
     used_ = 1;
     order_.clear();
+    dead_ = 0;
     unfolded_.clear();
     for (KeyStem& s : stems_) {
         std::fill(s.byNumber.begin(), s.byNumber.end(), -1);
@@ -382,7 +383,11 @@ void TreeNodes::collectSubtree(int32_t slot, std::vector<int32_t>& out) const {
     }
 }
 
-void TreeNodes::compactIndices() {
+void TreeNodes::settleIndices() const {
+    if (dead_ == 0) {
+        return;
+    }
+    dead_ = 0;
     size_t out = 0;
     for (size_t i = 0; i < order_.size(); ++i) {
         const int32_t s = order_[i];
@@ -407,6 +412,7 @@ void TreeNodes::cutKids(int32_t parent, int first, int last) {
             dead.alive = false;
             dead.kids.clear();
         }
+        dead_ += gone.size();
     }
     kids.erase(kids.begin() + first, kids.begin() + last + 1);
     for (size_t i = static_cast<size_t>(first); i < kids.size(); ++i) {
@@ -422,7 +428,6 @@ void TreeNodes::remove(NodeRef n) {
         call(observer_.aboutToRemove, refOf(parent), pos, pos);
     }
     cutKids(parent, pos, pos);
-    compactIndices();
     if (bulk_ == 0) {
         call(observer_.removed);
     }
@@ -483,7 +488,6 @@ void TreeNodes::removeMany(const std::vector<NodeRef>& targets) {
         cutKids(run->parent, run->first, run->last);
         call(observer_.removed);
     }
-    compactIndices();
 }
 
 void TreeNodes::removeManyAtOnce(const std::vector<NodeRef>& targets) {
@@ -500,6 +504,7 @@ void TreeNodes::removeManyAtOnce(const std::vector<NodeRef>& targets) {
             unindexKey(s);
             nodes_[static_cast<size_t>(s)].alive = false;
         }
+        dead_ += gone.size();
         const int32_t parent = nodes_[static_cast<size_t>(n.slot)].parent;
         if (touched[static_cast<size_t>(parent)] == 0) {
             touched[static_cast<size_t>(parent)] = 1;
@@ -519,13 +524,13 @@ void TreeNodes::removeManyAtOnce(const std::vector<NodeRef>& targets) {
             nodes_[static_cast<size_t>(kids[i])].pos = static_cast<int>(i);
         }
     }
-    compactIndices();
 }
 
 NodeRef TreeNodes::byIndex(int index) const {
     if (index < 1 || index > count()) {
         throw RuntimeError::subscriptOutOfRange();
     }
+    settleIndices();
     return refOf(order_[static_cast<size_t>(index - 1)]);
 }
 

@@ -44,7 +44,7 @@ class TreeNodes {
         std::function<void(NodeRef)> ensureVisible;  // the view should scroll it into sight
     };
 
-    int count() const { return static_cast<int>(order_.size()); }
+    int count() const { return static_cast<int>(order_.size() - dead_); }
     // Removes every node. The storage of the nodes is kept for the next ones: a menu opened
     // over another refills the tree without allocating again.
     void clear();
@@ -104,7 +104,11 @@ class TreeNodes {
     const std::string& text(NodeRef n) const { return node(n).text; }
     const std::string& image(NodeRef n) const { return node(n).image; }
     bool expanded(NodeRef n) const { return node(n).expanded; }
-    int index(NodeRef n) const { return node(n).index; }
+    int index(NodeRef n) const {
+        const Node& target = node(n);
+        settleIndices();
+        return target.index;
+    }
 
     void setKey(NodeRef n, std::string key);
     void setText(NodeRef n, std::string text);
@@ -185,7 +189,7 @@ class TreeNodes {
         int32_t parent = 0;  // slot; 0 is the hidden super-root holding the top level
         std::vector<int32_t> kids;
         int pos = 0;
-        int index = 0;
+        mutable int index = 0;
         bool expanded = false;
         bool alive = true;
     };
@@ -233,10 +237,13 @@ class TreeNodes {
     void eraseKid(int32_t parent, int pos);
     void collectSubtree(int32_t slot, std::vector<int32_t>& out) const;
     // Takes the children at positions first..last of parent out, with their subtrees, and
-    // drops their keys; the indices are left for compactIndices.
+    // drops their keys; the indices are left for settleIndices.
     void cutKids(int32_t parent, int first, int last);
     void removeManyAtOnce(const std::vector<NodeRef>& targets);
-    void compactIndices();
+    // Removals leave their nodes' entries in order_ (dead_ of them) and the indices after them
+    // as they were; the first question about an index closes the gaps. A command that removes
+    // in several steps then renumbers the nodes once, or not at all.
+    void settleIndices() const;
     int32_t newSlot(std::string_view key, std::string_view text, std::string_view image);
     // Places a new node whose key (if any) has been checked; cell is its stem array cell.
     NodeRef insertNode(NodeRef relative, int relationship, int32_t* cell, std::string_view key,
@@ -262,7 +269,8 @@ class TreeNodes {
     // from used_ on are storage kept for reuse.
     std::vector<Node> nodes_ = std::vector<Node>(1);  // slot 0: super-root
     size_t used_ = 1;
-    std::vector<int32_t> order_;  // index-1 -> slot
+    mutable std::vector<int32_t> order_;  // index-1 -> slot, once settled
+    mutable size_t dead_ = 0;
     // Slots of the nodes unfolded since the last clear, noted as they unfold; a note may be
     // doubled or stale until expandedParents() tidies the list.
     mutable std::vector<int32_t> unfolded_;
