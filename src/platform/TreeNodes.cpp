@@ -719,54 +719,6 @@ bool TreeNodes::closeNumberGaps(std::string_view stem, const std::vector<bool>& 
     return true;
 }
 
-bool TreeNodes::moveNumbered(std::string_view stem,
-                             const std::vector<std::pair<long, long>>& moves) {
-    KeyStem* const s = knownStem(stem);
-    if (s == nullptr) {
-        return moves.empty();
-    }
-    const long cells = static_cast<long>(s->byNumber.size());
-    long highest = -1;
-    for (const auto& [from, to] : moves) {
-        if (from < 0 || from >= cells || s->byNumber[static_cast<size_t>(from)] < 0 || to < 0 ||
-            to >= static_cast<long>(kMaxStemNumber)) {
-            return false;
-        }
-        highest = std::max(highest, to);
-    }
-    // 1: the cell's node moves away; 2: a node moves into the cell.
-    std::vector<char> state(static_cast<size_t>(std::max(cells, highest + 1)), 0);
-    for (const auto& [from, to] : moves) {
-        char& mark = state[static_cast<size_t>(from)];
-        if ((mark & 1) != 0) {
-            return false;  // a node named twice
-        }
-        mark = static_cast<char>(mark | 1);
-    }
-    for (const auto& [from, to] : moves) {
-        char& mark = state[static_cast<size_t>(to)];
-        const bool kept =
-            to < cells && s->byNumber[static_cast<size_t>(to)] >= 0 && (mark & 1) == 0;
-        if (kept || (mark & 2) != 0) {
-            return false;
-        }
-        mark = static_cast<char>(mark | 2);
-    }
-    std::vector<int32_t> slots;
-    slots.reserve(moves.size());
-    for (const auto& [from, to] : moves) {
-        int32_t& cell = s->byNumber[static_cast<size_t>(from)];
-        slots.push_back(cell);
-        cell = -1;
-    }
-    for (size_t i = 0; i < moves.size(); ++i) {
-        const long to = moves[i].second;
-        text::copyInto(nodes_[static_cast<size_t>(slots[i])].key, s->keys.text(to));
-        *stemCellOf(*s, static_cast<uint32_t>(to)) = slots[i];
-    }
-    return true;
-}
-
 void TreeNodes::setShown(NodeRef n, std::string Node::*field, std::string value) {
     std::string& shown = node(n).*field;
     if (shown != value) {

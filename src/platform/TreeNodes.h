@@ -136,11 +136,6 @@ class TreeNodes {
     // gaps[k] set) names a node: what removing lines does to the keys of the lines below.
     // Returns false, having changed nothing, when one of these does not hold.
     bool closeNumberGaps(std::string_view stem, const std::vector<bool>& gaps);
-    // rekeyNumbered for nodes keyed stem + number in the stem's array, given as (old number,
-    // new number): the keys move cell to cell without being read. Returns false, having changed
-    // nothing, when an old number names no node or a new number is taken by a node that keeps
-    // its key or is given twice; rekeyNumbered then reports what is wrong.
-    bool moveNumbered(std::string_view stem, const std::vector<std::pair<long, long>>& moves);
 
     // Relationships. parent() is null for top-level nodes; the others are null when absent.
     NodeRef parent(NodeRef n) const;

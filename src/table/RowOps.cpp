@@ -16,29 +16,14 @@ namespace vkl::table {
 namespace {
 
 // Gives every item node whose row k moves up by shift(k) > 0 the key of its new row, all in one
-// rekey so that a chain of renumberings never meets itself. Rows below from do not move.
+// rekey so that a chain of renumberings never meets itself. Rows below from do not move. The
+// general way, for keys of any form: closeNumberGaps does it in place for the editor's own.
 template <typename Shift>
 void renumberItemKeys(TreeNodes& nodes, long from, Shift shift) {
-    const std::vector<std::pair<NodeRef, long>> keyed = nodes.numberedFrom(keys::kItemStem, from);
-    // Keys of the editor's own form move cell to cell; any other form is read and rekeyed.
-    std::vector<std::pair<long, long>> moves;
-    bool ownForm = true;
-    for (const auto& [n, number] : keyed) {
-        ownForm = ownForm && number >= 0;
-        if (ownForm) {
-            if (const long by = shift(number); by > 0) {
-                moves.emplace_back(number, number - by);
-            }
-        }
-    }
-    if (ownForm && nodes.moveNumbered(keys::kItemStem, moves)) {
-        return;
-    }
     std::vector<std::pair<NodeRef, long>> changes;
-    for (const auto& [n, number] : keyed) {
+    for (const auto& [n, number] : nodes.numberedFrom(keys::kItemStem, from)) {
         const long k = number >= 0 ? number : keys::rowOf(nodes.key(n));
-        const long by = shift(k);
-        if (by > 0) {
+        if (const long by = shift(k); by > 0) {
             changes.emplace_back(n, k - by);
         }
     }
