@@ -246,7 +246,7 @@ void StillScrollBar::paintEvent(QPaintEvent* event) {
     QStyleOptionSlider option;
     initStyleOption(&option);
     const Picture now{
-        option.rect,
+        style(), option.rect,
         style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this),
         static_cast<int>(option.state), option.palette.cacheKey(), devicePixelRatio(),
         // Some styles grey out an arrow that can go no further.

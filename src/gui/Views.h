@@ -70,6 +70,7 @@ class StillScrollBar : public QScrollBar {
 
   private:
     struct Picture {
+        const QStyle* style = nullptr;
         QRect rect;
         QRect slider;
         int state = 0;

@@ -237,17 +237,17 @@ class WindowHabitsTest : public QObject, window_test::WindowCase {
 
     void scrollBarsShowWhatTheyHold() {
         // The picture a scroll bar keeps against one painted afresh, over small random changes
-        // of its range, position, size, state and colours, in every style at hand.
+        // of its range, position, size, state, colours, direction and style.
+        std::vector<std::unique_ptr<QStyle>> styles;
+        for (const QString& name : QStyleFactory::keys()) {
+            styles.emplace_back(QStyleFactory::create(name));
+        }
         std::mt19937 random(7);
-        for (const QString& styleName : QStyleFactory::keys()) {
-            std::unique_ptr<QStyle> style(QStyleFactory::create(styleName));
-            const Qt::Orientation o = random() % 2 == 0 ? Qt::Vertical : Qt::Horizontal;
+        for (const Qt::Orientation o : {Qt::Vertical, Qt::Horizontal}) {
             vkl::gui::StillScrollBar still(o);
             QScrollBar plain(o);
-            still.setStyle(style.get());
-            plain.setStyle(style.get());
-            for (int step = 0; step < 300; ++step) {
-                const unsigned what = random() % 5, small = random() % 40, big = random() % 300;
+            for (int step = 0; step < 400; ++step) {
+                const unsigned what = random() % 7, small = random() % 40, big = random() % 300;
                 const QColor colour = QColor::fromRgb(random());
                 for (QScrollBar* bar : {static_cast<QScrollBar*>(&still), &plain}) {
                     switch (what) {
@@ -263,6 +263,12 @@ class WindowHabitsTest : public QObject, window_test::WindowCase {
                             break;
                         case 3:
                             bar->setEnabled(big >= 75);
+                            break;
+                        case 4:
+                            bar->setLayoutDirection(big < 150 ? Qt::LeftToRight : Qt::RightToLeft);
+                            break;
+                        case 5:
+                            bar->setStyle(styles[big % styles.size()].get());
                             break;
                         default: {
                             QPalette colours = bar->palette();
