@@ -57,10 +57,10 @@ class NodeDelegate : public QStyledItemDelegate {
 };
 
 // A scroll bar that keeps its last picture and shows it again while nothing drawn in it changed.
-// The views lay themselves out after every removal of a line and repaint their scroll bars each
-// time; painting the style's groove costs more than the rest of the command, while with 32,000
-// lines a removal moves the slider by less than a pixel. Pressed or under the pointer, it is
-// painted as usual: those states are not in the picture.
+// The views lay themselves out after every removal of a line and Qt repaints their scroll bars
+// each time, though with 32,000 lines a removal moves the slider by less than a pixel; the
+// style's groove is costly to paint (its fills go to Qt's thread pool). Pressed or under the
+// pointer, it is painted as usual: those states are not in the picture.
 class StillScrollBar : public QScrollBar {
   public:
     using QScrollBar::QScrollBar;
