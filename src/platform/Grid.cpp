@@ -317,11 +317,10 @@ void Grid::setTextMatrix(int r, int c, std::string_view text) {
     checkCol(c);
     Row& row = rowAt(r);
     if (c == 0) {
-        int32_t& number = numberOf_[order_[static_cast<size_t>(r)]];
-        const std::string_view shown = number >= 0 ? numbers_.text(number) : textOf(row, 0);
-        if (shown == text) {
+        if (textView(r, 0) == text) {
             return;
         }
+        int32_t& number = numberOf_[order_[static_cast<size_t>(r)]];
         // The row's own number is kept as a number: numbering the rows again finds it so.
         if (text == numbers_.text(r)) {
             number = r;

@@ -156,15 +156,9 @@ class Grid {
     static constexpr size_t kChunkRows = 1024;
 
     // The decimal texts of 0, 1, 2 and on, made as far as they are asked for, in blocks that
-    // never move: a view of one stays valid as long as the grid.
+    // never move: a view of one stays valid as long as the grid. A copied grid makes its own.
     class NumberTexts {
       public:
-        NumberTexts() = default;
-        NumberTexts(const NumberTexts&) {}  // a copy makes its own
-        NumberTexts& operator=(const NumberTexts&) { return *this; }
-        NumberTexts(NumberTexts&&) noexcept = default;
-        NumberTexts& operator=(NumberTexts&&) noexcept = default;
-        ~NumberTexts() = default;
         std::string_view text(int32_t n) const;
 
       private:
